@@ -1,0 +1,4 @@
+set(PELINOR_BENCH_SOURCES
+  bench/text_file_bench.cpp
+  bench/ini_file_bench.cpp
+)

@@ -1,0 +1,16 @@
+// The verb groups of the pelinor command-line program. Each adds its
+// subcommands (with their options, help texts and callbacks) to `app`.
+
+#ifndef PELINOR_CLI_COMMANDS_H_
+#define PELINOR_CLI_COMMANDS_H_
+
+#include <CLI/CLI.hpp>
+
+namespace pelinor::cli {
+
+void AddRegistryCommand(CLI::App& app);
+void AddSettingsCommand(CLI::App& app);
+
+}  // namespace pelinor::cli
+
+#endif  // PELINOR_CLI_COMMANDS_H_

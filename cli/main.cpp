@@ -1,0 +1,22 @@
+// pelinor: the command-line face of the library.
+
+#include <CLI/CLI.hpp>
+
+#include "cli/cli_util.h"
+#include "cli/commands.h"
+
+#ifndef PELINOR_VERSION
+#define PELINOR_VERSION "0.1.0"
+#endif
+
+int main(int argc, char** argv) {
+  CLI::App app{
+      "pelinor: capture profiles, templates, document data, the work queue "
+      "and OCR value checks"};
+  app.set_version_flag("--version", PELINOR_VERSION);
+  app.require_subcommand(1);
+  pelinor::cli::AddRegistryCommand(app);
+  pelinor::cli::AddSettingsCommand(app);
+  CLI11_PARSE(app, argc, argv);
+  return pelinor::cli::ExitStatus();
+}

@@ -1,0 +1,6 @@
+set(PELINOR_CLI_SOURCES
+  cli/main.cpp
+  cli/cli_util.cpp
+  cli/registry_command.cpp
+  cli/settings_command.cpp
+)

@@ -1,0 +1,12 @@
+set(PELINOR_CORE_SOURCES
+  core/text.cpp
+  core/numeric.cpp
+  core/text_file.cpp
+  core/file_system.cpp
+  core/log.cpp
+  core/date_text.cpp
+  core/data_parser.cpp
+  core/ini_file.cpp
+  core/registry.cpp
+  core/reg_file_store.cpp
+)

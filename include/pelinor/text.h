@@ -1,0 +1,76 @@
+// Byte-text helpers shared by every reader, writer and value routine.
+//
+// All text in the library is Windows-1252: one byte is one character and
+// every position and length counts bytes. Case conversion uses a fixed
+// Windows-1252 table and never the C locale, so results do not depend on
+// the machine's settings.
+//
+// Thread safety: every function here is pure and may be called from any
+// thread.
+
+#ifndef PELINOR_TEXT_H_
+#define PELINOR_TEXT_H_
+
+#include <string>
+#include <string_view>
+
+namespace pelinor {
+
+// UpperChar()
+//
+// Returns the Windows-1252 upper-case form of `c`: a-z, 0xE0-0xFE (except
+// 0xF7) to 0xC0-0xDE, 0x9A/0x9C/0x9E to 0x8A/0x8C/0x8E, 0xFF to 0x9F.
+// Every other byte is returned unchanged.
+char UpperChar(char c);
+
+// LowerChar()
+//
+// The inverse mapping of UpperChar().
+char LowerChar(char c);
+
+// UCase()
+// LCase()
+//
+// Whole-text forms of UpperChar() and LowerChar().
+std::string UCase(std::string_view s);
+std::string LCase(std::string_view s);
+
+// EqualsIgnoreCase()
+//
+// True when `a` and `b` are equal after both are upper-cased.
+bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+
+// Trim()
+// LTrim()
+// RTrim()
+//
+// Remove leading and/or trailing space characters (32) only; tabs and
+// other blanks are kept.
+std::string_view Trim(std::string_view s);
+std::string_view LTrim(std::string_view s);
+std::string_view RTrim(std::string_view s);
+
+// TrimBlanks()
+//
+// Removes leading and trailing spaces and tabs.
+std::string_view TrimBlanks(std::string_view s);
+
+// InStr()
+//
+// Finds `needle` in `hay` at or after the one-based position `start` and
+// returns its one-based position, or 0 when absent. An empty `needle` is
+// found at `start` when `start` <= length + 1.
+// REQUIRES: start >= 1.
+size_t InStr(size_t start, std::string_view hay, std::string_view needle);
+
+// Mid()
+//
+// The text of `s` from the one-based position `start`, at most `length`
+// characters (all remaining ones by default); "" past the end.
+// REQUIRES: start >= 1.
+std::string_view Mid(std::string_view s, size_t start,
+                     size_t length = std::string_view::npos);
+
+}  // namespace pelinor
+
+#endif  // PELINOR_TEXT_H_

@@ -1,0 +1,210 @@
+// The text-file objects every record reader and writer goes through.
+//
+// Format: see docs/formats/quoted-items.md (item mode and the quoted item
+// form) and docs/formats/record-lines.md (whole lines).
+//
+// TextReader loads a file whole and serves it in two modes that may be
+// mixed freely:
+//   - whole-line reading: the line without its end; CR LF, lone CR and lone
+//     LF all end a line; a last line without a line end is returned; a read
+//     at the end of the file fails;
+//   - item reading: spaces and tabs are skipped; a double quote starts a
+//     quoted item running to the next double quote (commas and line ends
+//     inside are kept), after which spaces and tabs are skipped and one
+//     comma or one line end is consumed (anything else is left for the next
+//     read); an unquoted item runs to a comma or a line end, loses its
+//     trailing spaces and tabs, and the comma or line end is consumed. A
+//     blank line reads as one empty item, NUL bytes are dropped from items,
+//     and a read at the end of the file fails.
+//
+// TextWriter writes a new file beside its target and renames it over the
+// target on Commit(), so another process sees the old file or the new one,
+// never a mix. A writer destroyed or abandoned before Commit() removes its
+// temporary file and leaves the target untouched.
+//
+// Thread safety: a reader or writer object is used by one thread at a time;
+// separate objects are independent.
+
+#ifndef PELINOR_TEXT_FILE_H_
+#define PELINOR_TEXT_FILE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace pelinor {
+
+class TextReader {
+ public:
+  TextReader() = default;
+  TextReader(const TextReader&) = delete;
+  TextReader& operator=(const TextReader&) = delete;
+  TextReader(TextReader&&) = default;
+  TextReader& operator=(TextReader&&) = default;
+
+  // Open()
+  //
+  // Loads the file at `path`; false (and closed) when it cannot be read.
+  bool Open(const std::string& path);
+
+  // OpenText()
+  //
+  // Serves `data` as if it were a file's contents.
+  void OpenText(std::string data);
+
+  // Close()
+  //
+  // Releases the contents; the reader reads nothing until opened again.
+  void Close();
+
+  bool IsOpen() const { return open_; }
+
+  // AtEnd()
+  //
+  // True when every byte has been consumed (the end-of-file test).
+  bool AtEnd() const { return pos_ >= data_.size(); }
+
+  // Rewind()
+  // Tell()
+  // Seek()
+  //
+  // The zero-based byte position of the next read. Seek() clamps to the
+  // end of the contents.
+  void Rewind() { pos_ = 0; }
+  size_t Tell() const { return pos_; }
+  void Seek(size_t pos) { pos_ = pos < data_.size() ? pos : data_.size(); }
+
+  // Data()
+  //
+  // The whole contents, for routines that search a file as one text.
+  const std::string& Data() const { return data_; }
+
+  // ReadLine()
+  //
+  // Whole-line reading; see the file comment. False at the end of the file.
+  bool ReadLine(std::string& line);
+
+  // ReadItem()
+  //
+  // Item reading; see the file comment. `quoted`, when given, tells whether
+  // the item was written in double quotes. False at the end of the file.
+  bool ReadItem(std::string& item);
+  bool ReadItem(std::string& item, bool& quoted);
+
+  // ReadBool()
+  //
+  // Reads one item as a Boolean: "#TRUE#" / "#FALSE#", "True" / "False"
+  // (any case), or a numeric item (zero is false, anything else true).
+  // Any other item is consumed and the read fails with `value` untouched.
+  bool ReadBool(bool& value);
+
+  // ReadLong()
+  // ReadInteger()
+  // ReadSingle()
+  // ReadDouble()
+  //
+  // Read one item and convert it by the numeric rule (numeric.h). A
+  // non-numeric or out-of-range item is consumed and the read fails with
+  // `value` untouched. "#TRUE#" reads as -1 and "#FALSE#" as 0.
+  bool ReadLong(int32_t& value);
+  bool ReadInteger(int16_t& value);
+  bool ReadSingle(float& value);
+  bool ReadDouble(double& value);
+
+ private:
+  bool ReadNumericItem(std::string& item);
+
+  std::string data_;
+  size_t pos_ = 0;
+  bool open_ = false;
+};
+
+// ItemValue
+//
+// One item of a quoted-item line: a text (written in double quotes with no
+// escaping), a number (plain decimal, see NumberText()) or a Boolean
+// ("#TRUE#" / "#FALSE#").
+class ItemValue {
+ public:
+  ItemValue(std::string_view text) : v_(text) {}
+  ItemValue(const char* text) : v_(std::string_view(text)) {}
+  ItemValue(const std::string& text) : v_(std::string_view(text)) {}
+  ItemValue(bool b) : v_(b) {}
+  ItemValue(int16_t n) : v_(static_cast<int64_t>(n)) {}
+  ItemValue(int32_t n) : v_(static_cast<int64_t>(n)) {}
+  ItemValue(int64_t n) : v_(n) {}
+  ItemValue(float f) : v_(f) {}
+  ItemValue(double d) : v_(d) {}
+
+  // AppendTo()
+  //
+  // Appends the item's written form to `out`.
+  void AppendTo(std::string& out) const;
+
+ private:
+  std::variant<std::string_view, bool, int64_t, float, double> v_;
+};
+
+class TextWriter {
+ public:
+  TextWriter() = default;
+  ~TextWriter();
+  TextWriter(const TextWriter&) = delete;
+  TextWriter& operator=(const TextWriter&) = delete;
+
+  // Create()
+  //
+  // Starts a new file that replaces `path` on Commit(). The temporary file
+  // lies in the same directory. False when it cannot be created.
+  bool Create(const std::string& path);
+
+  bool IsOpen() const { return fd_ >= 0; }
+
+  // WriteLine()
+  //
+  // Writes `line` followed by CR LF.
+  void WriteLine(std::string_view line);
+
+  // Write()
+  //
+  // Writes `text` as it stands, with no line end.
+  void Write(std::string_view text);
+
+  // WriteItems()
+  //
+  // Writes one quoted-item line: the items joined by "," and CR LF.
+  void WriteItems(std::initializer_list<ItemValue> items);
+
+  // Commit()
+  //
+  // Flushes and renames the file over its target. Returns false when any
+  // write so far or the rename failed; the temporary file is then removed
+  // and the target left as it was.
+  bool Commit();
+
+  // Abandon()
+  //
+  // Removes the temporary file; the target is left as it was.
+  void Abandon();
+
+  // ok()
+  //
+  // False once a write has failed.
+  bool ok() const { return ok_; }
+
+ private:
+  void Flush();
+
+  int fd_ = -1;
+  bool ok_ = false;
+  std::string target_;
+  std::string temp_;
+  std::string buffer_;
+};
+
+}  // namespace pelinor
+
+#endif  // PELINOR_TEXT_FILE_H_

@@ -1,0 +1,12 @@
+pelinor_add_tests(cli
+  tests/cli/cli_test_util.cpp
+  tests/cli/cli_util_test.cpp
+)
+if(TARGET cli_tests)
+  target_include_directories(cli_tests PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_definitions(cli_tests PRIVATE
+    PELINOR_CLI_PATH="$<TARGET_FILE:pelinor_cli>")
+  target_sources(cli_tests PRIVATE cli/cli_util.cpp)
+  target_link_libraries(cli_tests PRIVATE nlohmann_json::nlohmann_json)
+  add_dependencies(cli_tests pelinor_cli)
+endif()

@@ -1,0 +1,11 @@
+pelinor_add_tests(core
+  tests/core/text_test.cpp
+  tests/core/numeric_test.cpp
+  tests/core/text_file_test.cpp
+  tests/core/collection_test.cpp
+  tests/core/log_test.cpp
+  tests/core/date_text_test.cpp
+  tests/core/data_parser_test.cpp
+)
+pelinor_add_tests(ini_file tests/core/ini_file_test.cpp)
+pelinor_add_tests(registry tests/core/registry_test.cpp)

@@ -1,0 +1,56 @@
+// Helpers shared by the unit tests: scratch directories and whole-file
+// reading and writing of exact bytes.
+
+#ifndef PELINOR_TESTS_TEST_UTIL_H_
+#define PELINOR_TESTS_TEST_UTIL_H_
+
+#include <string>
+#include <string_view>
+
+namespace pelinor::testing {
+
+// A fresh directory under the system temporary directory, removed with
+// everything in it when the object is destroyed.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  const std::string& path() const { return path_; }
+
+  // The path of `name` inside the directory.
+  std::string File(std::string_view name) const;
+
+ private:
+  std::string path_;
+};
+
+// Writes `bytes` to `path` exactly, replacing any file there.
+void WriteFile(const std::string& path, std::string_view bytes);
+
+// The exact bytes of the file at `path` ("" when it cannot be read).
+std::string ReadFile(const std::string& path);
+
+// The path of a file under tests/data/ in the source tree.
+std::string DataPath(std::string_view name);
+
+// Sets an environment variable for the life of the object and restores
+// its previous value (or absence) afterwards.
+class ScopedEnv {
+ public:
+  ScopedEnv(const char* name, const std::string& value);
+  ~ScopedEnv();
+  ScopedEnv(const ScopedEnv&) = delete;
+  ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+ private:
+  std::string name_;
+  std::string old_;
+  bool had_old_;
+};
+
+}  // namespace pelinor::testing
+
+#endif  // PELINOR_TESTS_TEST_UTIL_H_
