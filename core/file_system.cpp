@@ -1,1 +1,26 @@
-// (being written)
+#include "pelinor/file_system.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace pelinor {
+
+bool FileExists(const std::string& path) {
+  struct stat st;
+  return !path.empty() && ::stat(path.c_str(), &st) == 0;
+}
+
+void DeleteFileQuietly(const std::string& path) {
+  if (!path.empty()) ::unlink(path.c_str());
+}
+
+std::string JoinPath(std::string_view dir, std::string_view name) {
+  std::string out(dir);
+  if (!out.empty() && out.back() != '/' && out.back() != '\\') {
+    out.push_back('/');
+  }
+  out.append(name);
+  return out;
+}
+
+}  // namespace pelinor

@@ -1,1 +1,95 @@
-// (being written)
+#include "pelinor/text.h"
+
+#include <array>
+
+namespace pelinor {
+namespace {
+
+struct CaseTables {
+  std::array<char, 256> upper;
+  std::array<char, 256> lower;
+};
+
+constexpr CaseTables BuildTables() {
+  CaseTables t{};
+  for (int i = 0; i < 256; ++i) {
+    t.upper[static_cast<size_t>(i)] = static_cast<char>(i);
+    t.lower[static_cast<size_t>(i)] = static_cast<char>(i);
+  }
+  auto pair = [&t](int lower, int upper) {
+    t.upper[static_cast<size_t>(lower)] = static_cast<char>(upper);
+    t.lower[static_cast<size_t>(upper)] = static_cast<char>(lower);
+  };
+  for (int c = 'a'; c <= 'z'; ++c) pair(c, c - 32);
+  for (int c = 0xE0; c <= 0xFE; ++c) {
+    if (c != 0xF7) pair(c, c - 32);
+  }
+  pair(0x9A, 0x8A);
+  pair(0x9C, 0x8C);
+  pair(0x9E, 0x8E);
+  pair(0xFF, 0x9F);
+  return t;
+}
+
+constexpr CaseTables kTables = BuildTables();
+
+}  // namespace
+
+char UpperChar(char c) { return kTables.upper[static_cast<unsigned char>(c)]; }
+
+char LowerChar(char c) { return kTables.lower[static_cast<unsigned char>(c)]; }
+
+std::string UCase(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = UpperChar(c);
+  return out;
+}
+
+std::string LCase(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = LowerChar(c);
+  return out;
+}
+
+bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (UpperChar(a[i]) != UpperChar(b[i])) return false;
+  }
+  return true;
+}
+
+std::string_view LTrim(std::string_view s) {
+  size_t b = 0;
+  while (b < s.size() && s[b] == ' ') ++b;
+  return s.substr(b);
+}
+
+std::string_view RTrim(std::string_view s) {
+  size_t e = s.size();
+  while (e > 0 && s[e - 1] == ' ') --e;
+  return s.substr(0, e);
+}
+
+std::string_view Trim(std::string_view s) { return RTrim(LTrim(s)); }
+
+std::string_view TrimBlanks(std::string_view s) {
+  size_t b = 0;
+  size_t e = s.size();
+  while (b < e && (s[b] == ' ' || s[b] == '\t')) ++b;
+  while (e > b && (s[e - 1] == ' ' || s[e - 1] == '\t')) --e;
+  return s.substr(b, e - b);
+}
+
+size_t InStr(size_t start, std::string_view hay, std::string_view needle) {
+  if (start < 1 || start > hay.size() + 1) return 0;
+  size_t at = hay.find(needle, start - 1);
+  return at == std::string_view::npos ? 0 : at + 1;
+}
+
+std::string_view Mid(std::string_view s, size_t start, size_t length) {
+  if (start < 1 || start > s.size()) return {};
+  return s.substr(start - 1, length);
+}
+
+}  // namespace pelinor

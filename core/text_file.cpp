@@ -1,1 +1,321 @@
-// (being written)
+// The text-file objects behind every record file: whole-line and item
+// reading, quoted-item writing, and the temporary-file-and-rename writer.
+// Formats: docs/formats/quoted-items.md and docs/formats/record-lines.md.
+
+#include "pelinor/text_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "pelinor/numeric.h"
+#include "pelinor/text.h"
+
+namespace pelinor {
+namespace {
+
+constexpr size_t kFlushSize = 1 << 16;
+
+void DropNuls(std::string& s) {
+  if (std::memchr(s.data(), '\0', s.size()) == nullptr) return;
+  std::string out;
+  out.reserve(s.size());
+  for (char c : s) {
+    if (c != '\0') out.push_back(c);
+  }
+  s.swap(out);
+}
+
+// Bytes that end an unquoted item.
+struct StopTable {
+  bool stop[256] = {};
+  constexpr StopTable() {
+    stop[static_cast<unsigned char>(',')] = true;
+    stop[static_cast<unsigned char>('\r')] = true;
+    stop[static_cast<unsigned char>('\n')] = true;
+  }
+};
+constexpr StopTable kStops;
+
+}  // namespace
+
+bool TextReader::Open(const std::string& path) {
+  Close();
+  int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  struct stat st;
+  if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    ::close(fd);
+    return false;
+  }
+  std::string data;
+  data.resize(static_cast<size_t>(st.st_size));
+  size_t got = 0;
+  for (;;) {
+    if (got == data.size()) data.resize(data.size() + 4096 + data.size() / 2);
+    ssize_t n = ::read(fd, data.data() + got, data.size() - got);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      ::close(fd);
+      return false;
+    }
+    if (n == 0) break;
+    got += static_cast<size_t>(n);
+  }
+  ::close(fd);
+  data.resize(got);
+  OpenText(std::move(data));
+  return true;
+}
+
+void TextReader::OpenText(std::string data) {
+  data_ = std::move(data);
+  pos_ = 0;
+  lf_cached_ = false;
+  open_ = true;
+}
+
+void TextReader::Close() {
+  data_.clear();
+  data_.shrink_to_fit();
+  pos_ = 0;
+  lf_cached_ = false;
+  open_ = false;
+}
+
+void TextReader::SkipLineEnd() {
+  if (pos_ >= data_.size()) return;
+  if (data_[pos_] == '\r') {
+    ++pos_;
+    if (pos_ < data_.size() && data_[pos_] == '\n') ++pos_;
+  } else if (data_[pos_] == '\n') {
+    ++pos_;
+  }
+}
+
+bool TextReader::ReadLine(std::string& line) {
+  const size_t size = data_.size();
+  if (pos_ >= size) return false;
+  const char* base = data_.data();
+  // The next LF is cached so that files with lone CR line ends do not make
+  // every line search to the end of the data.
+  if (!lf_cached_ || next_lf_ < pos_) {
+    const void* lf = std::memchr(base + pos_, '\n', size - pos_);
+    next_lf_ =
+        lf ? static_cast<size_t>(static_cast<const char*>(lf) - base) : size;
+    lf_cached_ = true;
+  }
+  size_t end = next_lf_;
+  const void* cr = std::memchr(base + pos_, '\r', end - pos_);
+  if (cr != nullptr)
+    end = static_cast<size_t>(static_cast<const char*>(cr) - base);
+  line.assign(base + pos_, end - pos_);
+  pos_ = end;
+  SkipLineEnd();
+  return true;
+}
+
+bool TextReader::ReadItem(std::string& item) {
+  bool quoted;
+  return ReadItem(item, quoted);
+}
+
+bool TextReader::ReadItem(std::string& item, bool& quoted) {
+  const size_t size = data_.size();
+  if (pos_ >= size) return false;
+  const char* base = data_.data();
+  while (pos_ < size && (base[pos_] == ' ' || base[pos_] == '\t')) ++pos_;
+  quoted = pos_ < size && base[pos_] == '"';
+  if (quoted) {
+    size_t start = pos_ + 1;
+    const void* q = std::memchr(base + start, '"', size - start);
+    size_t end =
+        q ? static_cast<size_t>(static_cast<const char*>(q) - base) : size;
+    item.assign(base + start, end - start);
+    pos_ = end < size ? end + 1 : size;
+    while (pos_ < size && (base[pos_] == ' ' || base[pos_] == '\t')) ++pos_;
+    if (pos_ < size && base[pos_] == ',') {
+      ++pos_;
+    } else {
+      SkipLineEnd();
+    }
+  } else {
+    size_t end = pos_;
+    while (end < size && !kStops.stop[static_cast<unsigned char>(base[end])]) {
+      ++end;
+    }
+    size_t trimmed = end;
+    while (trimmed > pos_ && base[trimmed - 1] == ' ') --trimmed;
+    item.assign(base + pos_, trimmed - pos_);
+    pos_ = end;
+    if (pos_ < size && base[pos_] == ',') {
+      ++pos_;
+    } else {
+      SkipLineEnd();
+    }
+  }
+  DropNuls(item);
+  return true;
+}
+
+bool TextReader::ReadBool(bool& value) {
+  std::string item;
+  if (!ReadItem(item)) return false;
+  if (EqualsIgnoreCase(item, "#TRUE#") || EqualsIgnoreCase(item, "True")) {
+    value = true;
+    return true;
+  }
+  if (EqualsIgnoreCase(item, "#FALSE#") || EqualsIgnoreCase(item, "False")) {
+    value = false;
+    return true;
+  }
+  double d;
+  if (!ToDouble(item, d)) return false;
+  value = d != 0;
+  return true;
+}
+
+namespace {
+
+// Reads the Boolean literals as the numbers they stand for.
+std::string BooleanAsNumber(std::string item) {
+  if (EqualsIgnoreCase(item, "#TRUE#")) return "-1";
+  if (EqualsIgnoreCase(item, "#FALSE#")) return "0";
+  return item;
+}
+
+}  // namespace
+
+bool TextReader::ReadLong(int32_t& value) {
+  std::string item;
+  return ReadItem(item) && ToLong(BooleanAsNumber(std::move(item)), value);
+}
+
+bool TextReader::ReadInteger(int16_t& value) {
+  std::string item;
+  return ReadItem(item) && ToInteger(BooleanAsNumber(std::move(item)), value);
+}
+
+bool TextReader::ReadSingle(float& value) {
+  std::string item;
+  return ReadItem(item) && ToSingle(BooleanAsNumber(std::move(item)), value);
+}
+
+bool TextReader::ReadDouble(double& value) {
+  std::string item;
+  return ReadItem(item) && ToDouble(BooleanAsNumber(std::move(item)), value);
+}
+
+void ItemValue::AppendTo(std::string& out) const {
+  if (const auto* text = std::get_if<std::string_view>(&v_)) {
+    out.push_back('"');
+    out.append(*text);
+    out.push_back('"');
+  } else if (const auto* b = std::get_if<bool>(&v_)) {
+    out.append(*b ? "#TRUE#" : "#FALSE#");
+  } else if (const auto* n = std::get_if<int64_t>(&v_)) {
+    out.append(NumberText(*n));
+  } else if (const auto* f = std::get_if<float>(&v_)) {
+    out.append(NumberText(*f));
+  } else {
+    out.append(NumberText(std::get<double>(v_)));
+  }
+}
+
+TextWriter::~TextWriter() { Abandon(); }
+
+bool TextWriter::Create(const std::string& path) {
+  Abandon();
+  target_ = path;
+  size_t slash = path.find_last_of('/');
+  std::string dir = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+  std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
+  temp_ = dir + "." + base + ".tmp-XXXXXX";
+  fd_ = ::mkstemp(temp_.data());
+  if (fd_ < 0) {
+    temp_.clear();
+    ok_ = false;
+    return false;
+  }
+  // mkstemp creates the file private; give it the target's permissions, or
+  // the usual ones for a new file.
+  struct stat st;
+  mode_t mode = ::stat(path.c_str(), &st) == 0 ? (st.st_mode & 07777) : 0644;
+  ::fchmod(fd_, mode);
+  ok_ = true;
+  buffer_.clear();
+  return true;
+}
+
+void TextWriter::Flush() {
+  size_t done = 0;
+  while (fd_ >= 0 && ok_ && done < buffer_.size()) {
+    ssize_t n = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) {
+      ok_ = false;
+      break;
+    }
+    done += static_cast<size_t>(n);
+  }
+  buffer_.clear();
+}
+
+void TextWriter::Write(std::string_view text) {
+  if (fd_ < 0) {
+    ok_ = false;
+    return;
+  }
+  buffer_.append(text);
+  if (buffer_.size() >= kFlushSize) Flush();
+}
+
+void TextWriter::WriteLine(std::string_view line) {
+  Write(line);
+  Write("\r\n");
+}
+
+void TextWriter::WriteItems(std::initializer_list<ItemValue> items) {
+  std::string line;
+  bool first = true;
+  for (const ItemValue& item : items) {
+    if (!first) line.push_back(',');
+    first = false;
+    item.AppendTo(line);
+  }
+  WriteLine(line);
+}
+
+bool TextWriter::Commit() {
+  if (fd_ < 0) return false;
+  Flush();
+  if (::close(fd_) != 0) ok_ = false;
+  fd_ = -1;
+  if (ok_ && ::rename(temp_.c_str(), target_.c_str()) == 0) {
+    temp_.clear();
+    return true;
+  }
+  ::unlink(temp_.c_str());
+  temp_.clear();
+  ok_ = false;
+  return false;
+}
+
+void TextWriter::Abandon() {
+  if (fd_ >= 0) {
+    ::close(fd_);
+    fd_ = -1;
+  }
+  if (!temp_.empty()) {
+    ::unlink(temp_.c_str());
+    temp_.clear();
+  }
+  buffer_.clear();
+  ok_ = false;
+}
+
+}  // namespace pelinor

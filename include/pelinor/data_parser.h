@@ -46,9 +46,8 @@ class cDataParser {
   // GetLine() followed by SplitNameAndValue() of the line found; the value
   // goes to `strExtractedValue`. False, with `strExtractedValue` untouched,
   // when no line is found.
-  bool ExtractValue(const std::string& strData, int32_t lStart,
-                    int32_t& lEnd, const std::string& strLabel,
-                    std::string& strExtractedValue,
+  bool ExtractValue(const std::string& strData, int32_t lStart, int32_t& lEnd,
+                    const std::string& strLabel, std::string& strExtractedValue,
                     const std::string& strDelimiter,
                     const std::string& strCharLineEnd) const;
 

@@ -36,8 +36,8 @@ bool IsDateText(std::string_view text);
 //
 // The serial value of a calendar date and time; false when the fields do
 // not form a valid date (years 100-9999) and time.
-bool DateSerial(int year, int month, int day, int hour, int minute,
-                int second, double& serial);
+bool DateSerial(int year, int month, int day, int hour, int minute, int second,
+                double& serial);
 
 // FormatDateTime()
 //

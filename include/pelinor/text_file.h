@@ -13,7 +13,7 @@
 //     inside are kept), after which spaces and tabs are skipped and one
 //     comma or one line end is consumed (anything else is left for the next
 //     read); an unquoted item runs to a comma or a line end, loses its
-//     trailing spaces and tabs, and the comma or line end is consumed. A
+//     trailing spaces, and the comma or line end is consumed. A
 //     blank line reads as one empty item, NUL bytes are dropped from items,
 //     and a read at the end of the file fails.
 //
@@ -73,9 +73,12 @@ class TextReader {
   //
   // The zero-based byte position of the next read. Seek() clamps to the
   // end of the contents.
-  void Rewind() { pos_ = 0; }
+  void Rewind() { Seek(0); }
   size_t Tell() const { return pos_; }
-  void Seek(size_t pos) { pos_ = pos < data_.size() ? pos : data_.size(); }
+  void Seek(size_t pos) {
+    pos_ = pos < data_.size() ? pos : data_.size();
+    lf_cached_ = false;
+  }
 
   // Data()
   //
@@ -115,10 +118,13 @@ class TextReader {
   bool ReadDouble(double& value);
 
  private:
-  bool ReadNumericItem(std::string& item);
+  // Consumes one line end (CR LF, CR or LF) at the position, if any.
+  void SkipLineEnd();
 
   std::string data_;
   size_t pos_ = 0;
+  size_t next_lf_ = 0;  // the next LF at or after pos_, when lf_cached_
+  bool lf_cached_ = false;
   bool open_ = false;
 };
 
