@@ -5,11 +5,10 @@
 #ifndef PELINOR_CLI_CLI_UTIL_H_
 #define PELINOR_CLI_CLI_UTIL_H_
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 namespace pelinor::cli {
 

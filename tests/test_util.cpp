@@ -10,8 +10,7 @@ namespace pelinor::testing {
 
 TempDir::TempDir() {
   std::string tmpl =
-      (std::filesystem::temp_directory_path() / "pelinor-test-XXXXXX")
-          .string();
+      (std::filesystem::temp_directory_path() / "pelinor-test-XXXXXX").string();
   if (mkdtemp(tmpl.data()) == nullptr) {
     throw std::runtime_error("cannot create a temporary directory");
   }
@@ -42,8 +41,7 @@ std::string DataPath(std::string_view name) {
   return std::string(PELINOR_SOURCE_DIR) + "/tests/data/" + std::string(name);
 }
 
-ScopedEnv::ScopedEnv(const char* name, const std::string& value)
-    : name_(name) {
+ScopedEnv::ScopedEnv(const char* name, const std::string& value) : name_(name) {
   const char* old = std::getenv(name);
   had_old_ = old != nullptr;
   if (had_old_) old_ = old;

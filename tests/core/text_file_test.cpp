@@ -1,1 +1,208 @@
-// (being written)
+#include "pelinor/text_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <vector>
+
+#include "test_util.h"
+
+namespace pelinor {
+namespace {
+
+using testing::ReadFile;
+using testing::TempDir;
+using testing::WriteFile;
+
+std::vector<std::string> AllLines(std::string data) {
+  TextReader r;
+  r.OpenText(std::move(data));
+  std::vector<std::string> lines;
+  std::string line;
+  while (r.ReadLine(line)) lines.push_back(line);
+  return lines;
+}
+
+std::vector<std::string> AllItems(std::string data) {
+  TextReader r;
+  r.OpenText(std::move(data));
+  std::vector<std::string> items;
+  std::string item;
+  while (r.ReadItem(item)) items.push_back(item);
+  return items;
+}
+
+using Strings = std::vector<std::string>;
+
+TEST(TextReader, ReadsWholeLinesWithAnyLineEnd) {
+  struct Case {
+    std::string data;
+    Strings lines;
+  } cases[] = {
+      {"a\r\nb\r\n", {"a", "b"}},
+      {"a\nb", {"a", "b"}},
+      {"a\rb\r", {"a", "b"}},
+      {"a\r\r\nb", {"a", "", "b"}},
+      {"\r\n\r\n", {"", ""}},
+      {"", {}},
+      {"x, y \"q\" \r\n", {"x, y \"q\" "}},
+      {std::string("n\0l\n", 4), {std::string("n\0l", 3)}},
+      {"mac\rmixed\nwin\r\n", {"mac", "mixed", "win"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.data);
+    EXPECT_EQ(AllLines(c.data), c.lines);
+  }
+}
+
+TEST(TextReader, ReadsItems) {
+  struct Case {
+    std::string data;
+    Strings items;
+  } cases[] = {
+      {"\"a\",1,#TRUE#\r\n", {"a", "1", "#TRUE#"}},
+      {"  x  ,\ty\r\n", {"x", "y"}},
+      {"\"a,b\r\nc\",d\r\n", {"a,b\r\nc", "d"}},
+      {"\"q\"  ,\"r\"\r\n", {"q", "r"}},
+      // Text after a closing quote that is neither comma nor line end is
+      // read as the next item.
+      {"\"q\"x,y\n", {"q", "x", "y"}},
+      {"\r\n\r\nz\r\n", {"", "", "z"}},
+      {"Label:1,2:3\r\n", {"Label:1", "2:3"}},
+      {"\"open", {"open"}},
+      {"a,", {"a"}},
+      {std::string("a\0b,c", 5), {"ab", "c"}},
+      {"tab\t,x\n", {"tab\t", "x"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.data);
+    EXPECT_EQ(AllItems(c.data), c.items);
+  }
+}
+
+TEST(TextReader, MixesItemAndLineReading) {
+  TextReader r;
+  r.OpenText("ver0.946\r\n\"Name\",12\r\nrest of line\r\n");
+  std::string s;
+  ASSERT_TRUE(r.ReadLine(s));
+  EXPECT_EQ(s, "ver0.946");
+  bool quoted = false;
+  ASSERT_TRUE(r.ReadItem(s, quoted));
+  EXPECT_TRUE(quoted);
+  int32_t n = 0;
+  ASSERT_TRUE(r.ReadLong(n));
+  EXPECT_EQ(n, 12);
+  ASSERT_TRUE(r.ReadLine(s));
+  EXPECT_EQ(s, "rest of line");
+  EXPECT_TRUE(r.AtEnd());
+  EXPECT_FALSE(r.ReadLine(s));
+  EXPECT_FALSE(r.ReadItem(s));
+  r.Rewind();
+  ASSERT_TRUE(r.ReadLine(s));
+  EXPECT_EQ(s, "ver0.946");
+}
+
+TEST(TextReader, ReadsTypedItems) {
+  TextReader r;
+  r.OpenText("#TRUE#,#false#,0,2.5,x,#TRUE#,1e3,70000,-1.5\r\n");
+  bool b = false;
+  EXPECT_TRUE(r.ReadBool(b) && b);
+  EXPECT_TRUE(r.ReadBool(b) && !b);
+  EXPECT_TRUE(r.ReadBool(b) && !b);
+  int32_t l = 9;
+  EXPECT_TRUE(r.ReadLong(l));
+  EXPECT_EQ(l, 2);
+  EXPECT_FALSE(r.ReadLong(l));  // "x" is consumed all the same
+  EXPECT_EQ(l, 2);
+  EXPECT_TRUE(r.ReadLong(l));
+  EXPECT_EQ(l, -1);
+  double d = 0;
+  EXPECT_TRUE(r.ReadDouble(d));
+  EXPECT_EQ(d, 1000);
+  int16_t i = 0;
+  EXPECT_FALSE(r.ReadInteger(i));
+  float f = 0;
+  EXPECT_TRUE(r.ReadSingle(f));
+  EXPECT_EQ(f, -1.5f);
+}
+
+TEST(TextReader, HandlesLargeAndMissingFiles) {
+  TempDir dir;
+  TextReader r;
+  EXPECT_FALSE(r.Open(dir.File("missing.txt")));
+  EXPECT_FALSE(r.Open(dir.path()));  // a directory is not a text file
+  std::string big(10000, 'x');
+  WriteFile(dir.File("big.txt"), big + "\r\n" + big);
+  ASSERT_TRUE(r.Open(dir.File("big.txt")));
+  std::string line;
+  ASSERT_TRUE(r.ReadLine(line));
+  EXPECT_EQ(line, big);
+  ASSERT_TRUE(r.ReadItem(line));
+  EXPECT_EQ(line, big);
+  EXPECT_FALSE(r.ReadItem(line));
+}
+
+TEST(TextWriter, WritesQuotedItemsAndLinesWithCrLf) {
+  TempDir dir;
+  std::string path = dir.File("out.txt");
+  TextWriter w;
+  ASSERT_TRUE(w.Create(path));
+  w.WriteLine("ver0.946");
+  w.WriteItems({"text", int32_t{-7}, true, false, 0.5, 2.0f, ""});
+  w.Write("raw");
+  ASSERT_TRUE(w.Commit());
+  EXPECT_EQ(ReadFile(path),
+            "ver0.946\r\n\"text\",-7,#TRUE#,#FALSE#,0.5,2,\"\"\r\nraw");
+
+  TextReader r;
+  ASSERT_TRUE(r.Open(path));
+  std::string s;
+  r.ReadLine(s);
+  Strings items;
+  while (r.ReadItem(s)) items.push_back(s);
+  EXPECT_EQ(items, (Strings{"text", "-7", "#TRUE#", "#FALSE#", "0.5", "2", "",
+                            "raw"}));
+}
+
+TEST(TextWriter, NeverExposesAHalfWrittenFile) {
+  TempDir dir;
+  std::string path = dir.File("target.txt");
+  WriteFile(path, "old\r\n");
+  {
+    TextWriter w;
+    ASSERT_TRUE(w.Create(path));
+    w.WriteLine(std::string(200000, 'n'));  // large enough to reach the disk
+    EXPECT_EQ(ReadFile(path), "old\r\n");
+    // Destroyed without Commit(): the target stays and the temporary goes.
+  }
+  EXPECT_EQ(ReadFile(path), "old\r\n");
+  size_t entries = 0;
+  for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
+    (void)e;
+    ++entries;
+  }
+  EXPECT_EQ(entries, 1u);
+
+  TextWriter w;
+  EXPECT_FALSE(w.Create(dir.File("no/such/dir/file.txt")));
+  w.WriteLine("ignored");
+  EXPECT_FALSE(w.Commit());
+}
+
+TEST(TextWriter, KeepsTheTargetsPermissions) {
+  TempDir dir;
+  std::string path = dir.File("perm.txt");
+  WriteFile(path, "x");
+  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+  TextWriter w;
+  ASSERT_TRUE(w.Create(path));
+  w.WriteLine("y");
+  ASSERT_TRUE(w.Commit());
+  struct stat st;
+  ASSERT_EQ(stat(path.c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0777, 0640u);
+}
+
+}  // namespace
+}  // namespace pelinor

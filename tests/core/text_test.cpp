@@ -1,1 +1,74 @@
-// (being written)
+#include "pelinor/text.h"
+
+#include <gtest/gtest.h>
+
+namespace pelinor {
+namespace {
+
+TEST(CaseTable, MapsWindows1252PairsBothWays) {
+  struct Case {
+    unsigned char lower, upper;
+  } cases[] = {{'a', 'A'},   {'z', 'Z'},   {0xE0, 0xC0},
+               {0xE9, 0xC9}, {0xFE, 0xDE}, {0x9A, 0x8A},
+               {0x9C, 0x8C}, {0x9E, 0x8E}, {0xFF, 0x9F}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(static_cast<int>(c.lower));
+    EXPECT_EQ(UpperChar(static_cast<char>(c.lower)),
+              static_cast<char>(c.upper));
+    EXPECT_EQ(LowerChar(static_cast<char>(c.upper)),
+              static_cast<char>(c.lower));
+  }
+}
+
+TEST(CaseTable, LeavesOtherBytesAlone) {
+  // Division and multiplication signs sit inside the accented ranges; the
+  // sharp s has no single-byte upper case.
+  for (int b : {0xF7, 0xD7, 0xDF, int{'1'}, int{'['}, int{'{'}, 0x80, 0xA0}) {
+    SCOPED_TRACE(static_cast<int>(b));
+    EXPECT_EQ(UpperChar(static_cast<char>(b)), static_cast<char>(b));
+  }
+  EXPECT_EQ(LowerChar(static_cast<char>(0xD7)), static_cast<char>(0xD7));
+  EXPECT_EQ(UCase("m\xE4rz 3"), "M\xC4RZ 3");
+  EXPECT_EQ(LCase("AO\xDBT"), "ao\xFBt");
+  EXPECT_TRUE(
+      EqualsIgnoreCase("D\xC9"
+                       "CEMBRE",
+                       "d\xE9"
+                       "cembre"));
+  EXPECT_FALSE(EqualsIgnoreCase("abc", "abcd"));
+}
+
+TEST(Trim, RemovesSpacesOnly) {
+  struct Case {
+    const char* in;
+    const char* trim;
+    const char* blanks;
+  } cases[] = {
+      {"  a b  ", "a b", "a b"},
+      {"\t a \t", "\t a \t", "a"},
+      {"", "", ""},
+      {"   ", "", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.in);
+    EXPECT_EQ(Trim(c.in), c.trim);
+    EXPECT_EQ(TrimBlanks(c.in), c.blanks);
+  }
+  EXPECT_EQ(LTrim("  x  "), "x  ");
+  EXPECT_EQ(RTrim("  x  "), "  x");
+}
+
+TEST(InStr, UsesOneBasedPositions) {
+  EXPECT_EQ(InStr(1, "abcabc", "bc"), 2u);
+  EXPECT_EQ(InStr(3, "abcabc", "bc"), 5u);
+  EXPECT_EQ(InStr(6, "abcabc", "bc"), 0u);
+  EXPECT_EQ(InStr(1, "abc", ""), 1u);
+  EXPECT_EQ(InStr(4, "abc", ""), 4u);
+  EXPECT_EQ(InStr(5, "abc", "c"), 0u);
+  EXPECT_EQ(Mid("abcdef", 2, 3), "bcd");
+  EXPECT_EQ(Mid("abcdef", 5), "ef");
+  EXPECT_EQ(Mid("abc", 4), "");
+}
+
+}  // namespace
+}  // namespace pelinor
