@@ -5,6 +5,7 @@
 #include "pelinor/text_file.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,6 +20,7 @@ namespace pelinor {
 namespace {
 
 constexpr size_t kFlushSize = 1 << 16;
+constexpr size_t kMapThreshold = 1 << 20;
 
 void DropNuls(std::string& s) {
   if (std::memchr(s.data(), '\0', s.size()) == nullptr) return;
@@ -43,6 +45,28 @@ constexpr StopTable kStops;
 
 }  // namespace
 
+TextReader::~TextReader() { Close(); }
+
+TextReader::TextReader(TextReader&& other) noexcept {
+  *this = std::move(other);
+}
+
+TextReader& TextReader::operator=(TextReader&& other) noexcept {
+  if (this == &other) return *this;
+  Close();
+  bool owned = other.map_ == nullptr;
+  owned_ = std::move(other.owned_);
+  map_ = other.map_;
+  map_size_ = other.map_size_;
+  data_ = owned ? std::string_view(owned_) : other.data_;
+  pos_ = other.pos_;
+  open_ = other.open_;
+  other.map_ = nullptr;
+  other.map_size_ = 0;
+  other.Close();
+  return *this;
+}
+
 bool TextReader::Open(const std::string& path) {
   Close();
   int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -52,19 +76,48 @@ bool TextReader::Open(const std::string& path) {
     ::close(fd);
     return false;
   }
+  const size_t size = static_cast<size_t>(st.st_size);
+  if (size >= kMapThreshold) {
+    // Large files are mapped: filling fresh memory costs far more than
+    // sharing the pages the system already holds.
+    int flags = MAP_PRIVATE;
+#ifdef MAP_POPULATE
+    flags |= MAP_POPULATE;
+#endif
+    void* p = ::mmap(nullptr, size, PROT_READ, flags, fd, 0);
+    if (p != MAP_FAILED) {
+      ::close(fd);
+      map_ = p;
+      map_size_ = size;
+      data_ = std::string_view(static_cast<const char*>(p), size);
+      pos_ = 0;
+      lf_cached_ = false;
+      open_ = true;
+      return true;
+    }
+  }
+  // Read the size reported, then whatever a growing file added since.
   std::string data;
-  data.resize(static_cast<size_t>(st.st_size));
+  data.resize(size);
   size_t got = 0;
+  char probe[4096];
   for (;;) {
-    if (got == data.size()) data.resize(data.size() + 4096 + data.size() / 2);
-    ssize_t n = ::read(fd, data.data() + got, data.size() - got);
+    bool room = got < data.size();
+    char* dst = room ? data.data() + got : probe;
+    size_t want = room ? data.size() - got : sizeof probe;
+    ssize_t n = ::read(fd, dst, want);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) {
       ::close(fd);
       return false;
     }
     if (n == 0) break;
-    got += static_cast<size_t>(n);
+    if (room) {
+      got += static_cast<size_t>(n);
+    } else {
+      data.append(probe, static_cast<size_t>(n));
+      got = data.size();
+    }
   }
   ::close(fd);
   data.resize(got);
@@ -73,15 +126,23 @@ bool TextReader::Open(const std::string& path) {
 }
 
 void TextReader::OpenText(std::string data) {
-  data_ = std::move(data);
+  Close();
+  owned_ = std::move(data);
+  data_ = owned_;
   pos_ = 0;
   lf_cached_ = false;
   open_ = true;
 }
 
 void TextReader::Close() {
-  data_.clear();
-  data_.shrink_to_fit();
+  if (map_ != nullptr) {
+    ::munmap(map_, map_size_);
+    map_ = nullptr;
+    map_size_ = 0;
+  }
+  owned_.clear();
+  owned_.shrink_to_fit();
+  data_ = {};
   pos_ = 0;
   lf_cached_ = false;
   open_ = false;

@@ -40,10 +40,11 @@ namespace pelinor {
 class TextReader {
  public:
   TextReader() = default;
+  ~TextReader();
   TextReader(const TextReader&) = delete;
   TextReader& operator=(const TextReader&) = delete;
-  TextReader(TextReader&&) = default;
-  TextReader& operator=(TextReader&&) = default;
+  TextReader(TextReader&& other) noexcept;
+  TextReader& operator=(TextReader&& other) noexcept;
 
   // Open()
   //
@@ -82,8 +83,9 @@ class TextReader {
 
   // Data()
   //
-  // The whole contents, for routines that search a file as one text.
-  const std::string& Data() const { return data_; }
+  // The whole contents, for routines that search a file as one text. Valid
+  // until the reader is closed, reopened or destroyed.
+  std::string_view Data() const { return data_; }
 
   // ReadLine()
   //
@@ -121,7 +123,10 @@ class TextReader {
   // Consumes one line end (CR LF, CR or LF) at the position, if any.
   void SkipLineEnd();
 
-  std::string data_;
+  std::string owned_;    // contents read into memory
+  void* map_ = nullptr;  // or mapped from a large file
+  size_t map_size_ = 0;
+  std::string_view data_;  // whichever of the two holds the contents
   size_t pos_ = 0;
   size_t next_lf_ = 0;  // the next LF at or after pos_, when lf_cached_
   bool lf_cached_ = false;
