@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Builds the pelinor program and runs it on the bundled example
+# installation in examples/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+cmake --preset release > /dev/null
+cmake --build --preset release -j "$(nproc)" --target pelinor_cli
+pelinor=build/release/pelinor
+export PELINOR_REGISTRY="$PWD/examples/registry.reg"
+export PELINOR_USER_REGISTRY="$PWD/examples/user-registry.reg"
+
+run() {
+  echo "\$ pelinor $*"
+  "$pelinor" "$@"
+  echo
+}
+
+run registry get HKLM "Pelinor Server" Default HalvernLocale
+run registry get HKLM "Pelinor Server" Default ProfileDir
+run settings get examples/profiles/Invoices.ini Main TemplatesConfig
+run settings states examples/profiles/Invoices.ini
+run settings section examples/profiles/Invoices.ini HoldReasons

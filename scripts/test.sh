@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Builds with warnings as errors and runs every test, then builds and runs
+# them again under AddressSanitizer and UBSan.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+
+jobs=$(nproc)
+cmake --preset release -DPELINOR_WERROR=ON
+cmake --build --preset release -j "$jobs"
+ctest --preset release -j "$jobs"
+
+cmake --preset asan -DPELINOR_WERROR=ON
+cmake --build --preset asan -j "$jobs"
+ctest --preset asan -j "$jobs"
