@@ -15,6 +15,11 @@
 // deletes return a status (0 success, -1 key not available, -10 write
 // failed, or a raw system code for key deletion).
 //
+// The per-user store holds application settings under HKEY_CURRENT_USER
+// "Software\VB and VBA Program Settings\" + application + "\" + section,
+// one string value per key, as the system's own per-user settings calls
+// keep them.
+//
 // Thread safety: cRegistry holds no state; calls from several threads and
 // processes are safe (file stores are locked and replaced atomically).
 
@@ -23,6 +28,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace pelinor {
 
@@ -46,7 +52,8 @@ class cRegistry {
   //
   // For HKEY_LOCAL_MACHINE, RegGetStringValue() of "Software\Halvern\" +
   // application + "\" + section; for other hives the per-user store's value
-  // or `strDefault`.
+  // (any length, less one trailing NUL), or `strDefault` when the value is
+  // missing or the application or section is empty.
   std::string RegGetValue(int32_t hive, const std::string& application,
                           const std::string& section, const std::string& key,
                           const std::string& strDefault) const;
@@ -54,15 +61,18 @@ class cRegistry {
   // RegSaveValue()
   //
   // Writes a setting; for HKEY_LOCAL_MACHINE an empty value is stored as
-  // one NUL character. Returns the status of the write.
+  // one NUL character. Returns the status of the write: for the per-user
+  // store too 0, -1 (no key; also an empty application or section) or -10.
   int32_t RegSaveValue(int32_t hive, const std::string& application,
                        const std::string& section, const std::string& key,
                        const std::string& value) const;
 
   // RegDelete()
   //
-  // Deletes a section's key (HKEY_LOCAL_MACHINE) or the per-user store's
-  // section; returns the status.
+  // Deletes a section's key (HKEY_LOCAL_MACHINE, the status of
+  // RegDeleteKeySetting()) or the per-user store's section with all its
+  // values: 0, or 5 ("Invalid procedure call or argument") when the section
+  // is missing or empty, the application is empty or the delete fails.
   int32_t RegDelete(int32_t hive, const std::string& application,
                     const std::string& section) const;
 
@@ -77,9 +87,10 @@ class cRegistry {
 
   // RegSetStringValue()
   //
-  // Creates or opens the key and writes the value as REG_SZ without its
-  // terminator (an empty value as one NUL). 0, -1 (no key) or -10 (write
-  // failed).
+  // Creates or opens the key and writes the value as REG_SZ with a length
+  // that leaves its terminator out (an empty value as one NUL); the
+  // registry keeps the string terminated all the same, so a value reads
+  // back whole up to 1023 characters. 0, -1 (no key) or -10 (write failed).
   int32_t RegSetStringValue(int32_t hive, const std::string& keyPath,
                             const std::string& valueName,
                             const std::string& value) const;
@@ -112,6 +123,33 @@ std::string RegReadString(int32_t hive, const std::string& keyPath,
 // HKEY_LOCAL_MACHINE, or `strDefault`.
 std::string ReadServerSetting(const std::string& valueName,
                               const std::string& strDefault);
+
+// MachineSettingsKeyPath()
+// UserSettingsKeyPath()
+//
+// The key paths of an application's section: "Software\Halvern\" +
+// application + "\" + section under HKEY_LOCAL_MACHINE, and
+// "Software\VB and VBA Program Settings\" + application + "\" + section
+// under HKEY_CURRENT_USER.
+std::string MachineSettingsKeyPath(const std::string& application,
+                                   const std::string& section);
+std::string UserSettingsKeyPath(const std::string& application,
+                                const std::string& section);
+
+// RegDeleteValueSetting()
+//
+// Deletes value `valueName` of an existing key, never creating the key:
+// 0 when deleted, 2 when the key or the value is missing, otherwise the
+// raw system code (5 when the store cannot be written).
+int32_t RegDeleteValueSetting(int32_t hive, const std::string& keyPath,
+                              const std::string& valueName);
+
+// RegValueNames()
+//
+// The names of the values of `keyPath` in stored order ("" names the
+// key's default value); empty when the key is missing.
+std::vector<std::string> RegValueNames(int32_t hive,
+                                       const std::string& keyPath);
 
 }  // namespace pelinor
 
