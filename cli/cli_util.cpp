@@ -3,28 +3,10 @@
 #include <cstdio>
 #include <iostream>
 
+#include "pelinor/text.h"
+
 namespace pelinor::cli {
 namespace {
-
-// Unicode code points of Windows-1252 bytes 0x80-0x9F; the five undefined
-// bytes map to the C1 control of the same value.
-constexpr char16_t kHigh[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-char32_t CodePoint(unsigned char b) {
-  return b >= 0x80 && b < 0xA0 ? kHigh[b - 0x80] : b;
-}
-
-int ByteFor(char32_t cp) {
-  if (cp < 0x80 || (cp >= 0xA0 && cp <= 0xFF)) return static_cast<int>(cp);
-  for (int i = 0; i < 32; ++i) {
-    if (kHigh[i] == cp) return 0x80 + i;
-  }
-  return -1;
-}
 
 int ExitCode = 0;
 
@@ -60,7 +42,7 @@ std::string FromUtf8(std::string_view s) {
       ++i;
       continue;
     }
-    int byte = ByteFor(cp);
+    int byte = Windows1252Of(cp);
     out.push_back(byte < 0 ? '?' : static_cast<char>(byte));
     i += len;
   }
@@ -71,7 +53,7 @@ std::string ToUtf8(std::string_view s) {
   std::string out;
   out.reserve(s.size() + s.size() / 8);
   for (char ch : s) {
-    char32_t cp = CodePoint(static_cast<unsigned char>(ch));
+    char32_t cp = CodePointOf(ch);
     if (cp < 0x80) {
       out.push_back(static_cast<char>(cp));
     } else if (cp < 0x800) {

@@ -64,8 +64,8 @@ std::optional<uint32_t> ParseHexNumber(std::string_view text,
 }
 
 // The file's text as single bytes. UTF-16LE (with its byte-order mark, as
-// exported on Windows) keeps code points below 256 and turns every other
-// character into "?".
+// exported on Windows) is converted to Windows-1252; characters outside the
+// code page become "?".
 std::string DecodeFile(std::string_view bytes) {
   if (bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE') {
     std::string out;
@@ -78,7 +78,8 @@ std::string DecodeFile(std::string_view bytes) {
                               static_cast<unsigned char>(bytes[i + 3]) << 8;
         if (next >= 0xDC00 && next <= 0xDFFF) i += 2;  // one character
       }
-      out += unit < 256 ? static_cast<char>(unit) : '?';
+      const int byte = Windows1252Of(unit);
+      out += byte < 0 ? '?' : static_cast<char>(byte);
     }
     return out;
   }

@@ -33,6 +33,13 @@ constexpr CaseTables BuildTables() {
 
 constexpr CaseTables kTables = BuildTables();
 
+// Code points of the bytes 0x80-0x9F.
+constexpr char16_t kHigh[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
 }  // namespace
 
 char UpperChar(char c) { return kTables.upper[static_cast<unsigned char>(c)]; }
@@ -90,6 +97,19 @@ size_t InStr(size_t start, std::string_view hay, std::string_view needle) {
 std::string_view Mid(std::string_view s, size_t start, size_t length) {
   if (start < 1 || start > s.size()) return {};
   return s.substr(start - 1, length);
+}
+
+char32_t CodePointOf(char c) {
+  unsigned char b = static_cast<unsigned char>(c);
+  return b >= 0x80 && b < 0xA0 ? kHigh[b - 0x80] : b;
+}
+
+int Windows1252Of(char32_t cp) {
+  if (cp < 0x80 || (cp >= 0xA0 && cp <= 0xFF)) return static_cast<int>(cp);
+  for (int i = 0; i < 32; ++i) {
+    if (kHigh[i] == cp) return 0x80 + i;
+  }
+  return -1;
 }
 
 }  // namespace pelinor

@@ -71,6 +71,18 @@ size_t InStr(size_t start, std::string_view hay, std::string_view needle);
 std::string_view Mid(std::string_view s, size_t start,
                      size_t length = std::string_view::npos);
 
+// CodePointOf()
+//
+// The Unicode code point of a Windows-1252 byte. The five bytes the code
+// page leaves undefined (0x81, 0x8D, 0x8F, 0x90, 0x9D) map to the C1
+// control of the same value.
+char32_t CodePointOf(char c);
+
+// Windows1252Of()
+//
+// The Windows-1252 byte of a Unicode code point, or -1 when it has none.
+int Windows1252Of(char32_t code_point);
+
 }  // namespace pelinor
 
 #endif  // PELINOR_TEXT_H_
