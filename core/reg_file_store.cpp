@@ -301,7 +301,9 @@ RegFile RegFile::Parse(std::string_view bytes) {
   for (std::string line; reader.ReadLine(line);) lines.push_back(line);
 
   RegFile file;
-  std::optional<size_t> current;  // index of the open key section
+  // Index of the open key section; kNoSection before the first one.
+  constexpr size_t kNoSection = static_cast<size_t>(-1);
+  size_t current = kNoSection;
   std::vector<std::string> pending_comments;
   std::string name, data;
   for (size_t i = 0; i < lines.size(); ++i) {
@@ -312,7 +314,7 @@ RegFile RegFile::Parse(std::string_view bytes) {
       continue;
     }
     if (text[0] == '[') {
-      current.reset();
+      current = kNoSection;
       if (text.back() != ']') continue;
       std::string_view inner = text.substr(1, text.size() - 2);
       const bool remove = !inner.empty() && inner[0] == '-';
@@ -352,8 +354,11 @@ RegFile RegFile::Parse(std::string_view bytes) {
     rest = TrimBlanks(rest.substr(1));
     uint32_t type = kRegSz;
     bool remove = false;
-    if (!ParseData(rest, lines, i, type, data, remove) || !current) continue;
-    RegFileKey& key = file.keys_[*current];
+    if (!ParseData(rest, lines, i, type, data, remove) ||
+        current == kNoSection) {
+      continue;
+    }
+    RegFileKey& key = file.keys_[current];
     if (remove) {
       key.RemoveValue(name);
       continue;
