@@ -5,9 +5,16 @@
 //
 // cIniFile keeps one file open at a time. The first call that needs a file
 // opens the one it names; every later call reads that same file, whatever
-// name it passes, until CloseFile(). The file is indexed once when opened
-// (section positions and their lines), so look-ups cost time in the size
-// of the section searched, not of the file.
+// name it passes, until CloseFile(). The file is read and indexed once when
+// opened (section positions and their lines), so look-ups cost time in the
+// size of the section searched, not of the file; changes to the file are
+// seen after CloseFile().
+//
+// Every call except CloseFile() clears `strErrMsg`, or sets it to
+// "Cannot find file " + name when no file is open and `strFileName` does
+// not exist; the call then returns its default (0 for the Long results)
+// and leaves its collections untouched. A file that exists but cannot be
+// read gives the defaults quietly.
 //
 // Thread safety: an object is used by one thread at a time.
 
@@ -39,9 +46,8 @@ class cIniFile {
   // GetSettingString()
   //
   // The trimmed value of the first record named `strName` (ignoring case)
-  // in section `strSection`; `strDefault` when the section, the record or
-  // its value is missing or empty. Sets `strErrMsg` to "Cannot find file "
-  // + name when no file is open and `strFileName` does not exist.
+  // in section `strSection` (ignoring case); `strDefault` when the section,
+  // the record or its value is missing or empty.
   std::string GetSettingString(const std::string& strSection,
                                const std::string& strName,
                                const std::string& strDefault,
@@ -100,10 +106,15 @@ class cIniFile {
   void CloseFile();
 
  private:
+  // The open file's contents with its lines and section positions.
   struct Index;
+
+  // Opens and indexes `strFileName` unless a file is open; false (with
+  // `strErrMsg` set as described above) when the call must return its
+  // default.
   bool EnsureOpen(const std::string& strFileName, std::string& strErrMsg);
 
-  std::unique_ptr<Index> index_;
+  std::unique_ptr<Index> index_;  // null while no file is open
 };
 
 }  // namespace pelinor
