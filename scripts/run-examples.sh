@@ -11,7 +11,10 @@ export PELINOR_REGISTRY="$PWD/examples/registry.reg"
 export PELINOR_USER_REGISTRY="$PWD/examples/user-registry.reg"
 
 run() {
-  echo "\$ pelinor $*"
+  printf '$ pelinor'
+  printf ' %q' "$@"
+  printf '\n'
+
   "$pelinor" "$@"
   echo
 }
