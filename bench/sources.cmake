@@ -1,4 +1,5 @@
 set(PELINOR_BENCH_SOURCES
   bench/text_file_bench.cpp
   bench/ini_file_bench.cpp
+  bench/profile_bench.cpp
 )

@@ -3,4 +3,5 @@ set(PELINOR_CLI_SOURCES
   cli/cli_util.cpp
   cli/registry_command.cpp
   cli/settings_command.cpp
+  cli/profile_command.cpp
 )

@@ -1,1 +1,3 @@
-set(PELINOR_LINEITEMS_SOURCES)
+set(PELINOR_LINEITEMS_SOURCES
+  lineitems/line_hdr_type.cpp
+)

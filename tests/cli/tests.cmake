@@ -3,6 +3,7 @@ pelinor_add_tests(cli
   tests/cli/cli_util_test.cpp
   tests/cli/registry_cli_test.cpp
   tests/cli/settings_cli_test.cpp
+  tests/cli/profile_cli_test.cpp
 )
 if(TARGET cli_tests)
   target_include_directories(cli_tests PRIVATE ${PROJECT_SOURCE_DIR})

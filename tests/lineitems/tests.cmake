@@ -1,1 +1,3 @@
-pelinor_add_tests(lineitems)
+pelinor_add_tests(lineitems
+  tests/lineitems/line_hdr_type_test.cpp
+)
