@@ -4,16 +4,14 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "pelinor/version.h"
 
-#ifndef PELINOR_VERSION
-#define PELINOR_VERSION "0.1.0"
-#endif
 
 int main(int argc, char** argv) {
   CLI::App app{
       "pelinor: capture profiles, templates, document data, the work queue "
       "and OCR value checks"};
-  app.set_version_flag("--version", PELINOR_VERSION);
+  app.set_version_flag("--version", pelinor::kLibraryVersion);
   app.require_subcommand(1);
   pelinor::cli::AddRegistryCommand(app);
   pelinor::cli::AddSettingsCommand(app);

@@ -6,6 +6,8 @@
 
 #include "pelinor/profile.h"
 
+#include "pelinor/version.h"
+
 #include <string>
 
 #include "pelinor/data_parser.h"
@@ -14,9 +16,6 @@
 #include "pelinor/text.h"
 #include "pelinor/text_file.h"
 
-#ifndef PELINOR_VERSION
-#define PELINOR_VERSION "0.1.0"
-#endif
 
 namespace pelinor {
 
@@ -92,7 +91,7 @@ bool cProfile::FindAllowableUser(const std::string& strName) const {
   return false;
 }
 
-std::string cProfile::FileVersion() const { return PELINOR_VERSION; }
+std::string cProfile::FileVersion() const { return kLibraryVersion; }
 
 void cProfile::Purge() {
   for (auto* list : {&FieldTypes, &PseudoFieldTypes}) {
