@@ -10,6 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -24,6 +27,7 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -520,6 +524,41 @@ bool LoadStore(const std::string& file, RegFile& contents) {
   return true;
 }
 
+// The parsed contents of a store for reading. Parsed files are kept and
+// reused while the file's identity, size and times stay the same; every
+// write replaces the file (a new inode), so a change is always seen.
+std::shared_ptr<const RegFile> ReadStore(const std::string& file) {
+  struct Entry {
+    struct stat st;
+    std::shared_ptr<const RegFile> contents;
+  };
+  static std::mutex mu;
+  static std::map<std::string, Entry>* cache = new std::map<std::string, Entry>;
+  static const auto empty = std::make_shared<const RegFile>();
+
+  struct stat st;
+  if (::stat(file.c_str(), &st) != 0) return empty;
+  auto same = [&st](const struct stat& old) {
+    return old.st_dev == st.st_dev && old.st_ino == st.st_ino &&
+           old.st_size == st.st_size &&
+           old.st_mtim.tv_sec == st.st_mtim.tv_sec &&
+           old.st_mtim.tv_nsec == st.st_mtim.tv_nsec &&
+           old.st_ctim.tv_sec == st.st_ctim.tv_sec &&
+           old.st_ctim.tv_nsec == st.st_ctim.tv_nsec;
+  };
+  {
+    std::lock_guard<std::mutex> lock(mu);
+    auto it = cache->find(file);
+    if (it != cache->end() && same(it->second.st)) return it->second.contents;
+  }
+  auto contents = std::make_shared<RegFile>();
+  LoadStore(file, *contents);  // an unreadable store reads as empty
+  std::lock_guard<std::mutex> lock(mu);
+  if (cache->size() >= 16) cache->clear();
+  (*cache)[file] = Entry{st, contents};
+  return contents;
+}
+
 // Holds an exclusive lock on "<file>.lock" (creating the store's directory
 // and the lock file as needed) for the life of the object.
 class StoreLock {
@@ -580,8 +619,8 @@ QueryResult RegFileStore::QueryValue(int32_t hive, std::string_view key_path,
   if (!loc) return QueryResult::kNoKey;
   const auto match = CanonicalKeyPath(FullPath(*loc, key_path));
   if (!match) return QueryResult::kNoKey;
-  RegFile contents;
-  LoadStore(loc->file, contents);  // an unreadable store reads as empty
+  const auto store = ReadStore(loc->file);
+  const RegFile& contents = *store;
   if (!contents.KeyExists(*match)) return QueryResult::kNoKey;
   const RegFileKey* key = contents.FindKey(*match);
   const RegFileValue* value = key ? key->FindValue(name) : nullptr;
@@ -632,8 +671,8 @@ std::optional<int32_t> RegFileStore::DeleteKey(int32_t hive,
   if (!parent_match) return std::nullopt;
   {
     // A missing parent needs no lock (and must not create the store).
-    RegFile contents;
-    LoadStore(loc->file, contents);
+    const auto store = ReadStore(loc->file);
+    const RegFile& contents = *store;
     if (!contents.KeyExists(*parent_match)) return std::nullopt;
   }
   const auto target_match = CanonicalKeyPath(
@@ -677,8 +716,8 @@ std::optional<int32_t> RegFileStore::DeleteValue(int32_t hive,
   if (!match) return std::nullopt;
   if (!create_key) {
     // Nothing to change: answer without taking the lock.
-    RegFile contents;
-    LoadStore(loc->file, contents);
+    const auto store = ReadStore(loc->file);
+    const RegFile& contents = *store;
     if (!contents.KeyExists(*match)) return std::nullopt;
     const RegFileKey* key = contents.FindKey(*match);
     if (key == nullptr || key->FindValue(name) == nullptr) {
@@ -721,8 +760,8 @@ std::optional<std::vector<std::string>> RegFileStore::ValueNames(
   if (!loc) return std::nullopt;
   const auto match = CanonicalKeyPath(FullPath(*loc, key_path));
   if (!match) return std::nullopt;
-  RegFile contents;
-  LoadStore(loc->file, contents);
+  const auto store = ReadStore(loc->file);
+  const RegFile& contents = *store;
   if (!contents.KeyExists(*match)) return std::nullopt;
   std::vector<std::string> names;
   if (const RegFileKey* key = contents.FindKey(*match)) {

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -231,6 +232,29 @@ TEST(Registry, ReadsWindowsExports) {
     }
     EXPECT_EQ(ReadServerSetting("Euro", "dflt"), e.euro);
   }
+}
+
+TEST(Registry, SeesFilesChangedByOtherWriters) {
+  Stores stores;
+  cRegistry reg;
+  const std::string path = "Software\\Test";
+  // Rewritten in place (same file, same size) and then replaced by another
+  // file: each change is read, however readings are kept between calls.
+  const char* values[] = {"one", "two", "six"};
+  for (const char* value : values) {
+    SCOPED_TRACE(value);
+    WriteFile(stores.machine(),
+              kHeader + kTestKey + "\"V\"=\"" + value + "\"\r\n");
+    EXPECT_EQ(reg.RegGetStringValue(kHkeyLocalMachine, path, "V", "-"), value);
+  }
+  WriteFile(stores.machine() + ".new",
+            kHeader + kTestKey + "\"V\"=\"ten\"\r\n");
+  ASSERT_EQ(std::rename((stores.machine() + ".new").c_str(),
+                        stores.machine().c_str()),
+            0);
+  EXPECT_EQ(reg.RegGetStringValue(kHkeyLocalMachine, path, "V", "-"), "ten");
+  std::remove(stores.machine().c_str());
+  EXPECT_EQ(reg.RegGetStringValue(kHkeyLocalMachine, path, "V", "-"), "-");
 }
 
 TEST(Registry, SkipsMalformedLines) {
