@@ -24,3 +24,6 @@ run registry get HKLM "Pelinor Server" Default ProfileDir
 run settings get examples/profiles/Invoices.ini Main TemplatesConfig
 run settings states examples/profiles/Invoices.ini
 run settings section examples/profiles/Invoices.ini HoldReasons
+run profile show examples/profiles/Invoices.ini
+run detect show examples/detect/TemplateDetect.ini
+run scan show examples/scan/Colour300.ini
