@@ -10,6 +10,7 @@ namespace pelinor::cli {
 
 void AddRegistryCommand(CLI::App& app);
 void AddSettingsCommand(CLI::App& app);
+void AddQueueCommand(CLI::App& app);
 void AddProfileCommands(CLI::App& app);
 
 }  // namespace pelinor::cli

@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   pelinor::cli::AddRegistryCommand(app);
   pelinor::cli::AddSettingsCommand(app);
+  pelinor::cli::AddQueueCommand(app);
   pelinor::cli::AddProfileCommands(app);
   CLI11_PARSE(app, argc, argv);
   return pelinor::cli::ExitStatus();

@@ -1,1 +1,5 @@
-set(PELINOR_QUEUE_SOURCES)
+set(PELINOR_QUEUE_SOURCES
+  queue/queue_entry.cpp
+  queue/queue.cpp
+  queue/queue_order.cpp
+)

@@ -1,6 +1,7 @@
 pelinor_add_tests(cli
   tests/cli/cli_test_util.cpp
   tests/cli/cli_util_test.cpp
+  tests/cli/queue_cli_test.cpp
   tests/cli/registry_cli_test.cpp
   tests/cli/settings_cli_test.cpp
   tests/cli/profile_cli_test.cpp
