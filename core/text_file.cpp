@@ -224,13 +224,15 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
 }
 
 bool TextReader::ReadBool(bool& value) {
-  std::string item;
+  std::string& item = scratch_;
   if (!ReadItem(item)) return false;
-  if (EqualsIgnoreCase(item, "#TRUE#") || EqualsIgnoreCase(item, "True")) {
+  if (item == "#TRUE#" || EqualsIgnoreCase(item, "#TRUE#") ||
+      EqualsIgnoreCase(item, "True")) {
     value = true;
     return true;
   }
-  if (EqualsIgnoreCase(item, "#FALSE#") || EqualsIgnoreCase(item, "False")) {
+  if (item == "#FALSE#" || EqualsIgnoreCase(item, "#FALSE#") ||
+      EqualsIgnoreCase(item, "False")) {
     value = false;
     return true;
   }
@@ -243,7 +245,7 @@ bool TextReader::ReadBool(bool& value) {
 namespace {
 
 // Reads the Boolean literals as the numbers they stand for.
-std::string BooleanAsNumber(std::string item) {
+std::string_view BooleanAsNumber(std::string_view item) {
   if (EqualsIgnoreCase(item, "#TRUE#")) return "-1";
   if (EqualsIgnoreCase(item, "#FALSE#")) return "0";
   return item;
@@ -252,23 +254,37 @@ std::string BooleanAsNumber(std::string item) {
 }  // namespace
 
 bool TextReader::ReadLong(int32_t& value) {
-  std::string item;
-  return ReadItem(item) && ToLong(BooleanAsNumber(std::move(item)), value);
+  std::string& item = scratch_;
+  if (!ReadItem(item)) return false;
+  // Most stored numbers are short plain integers: convert those directly.
+  size_t digits = item.size() - (!item.empty() && item[0] == '-');
+  if (digits > 0 && digits <= 9) {
+    int32_t n = 0;
+    size_t i = item.size() - digits;
+    for (; i < item.size() && item[i] >= '0' && item[i] <= '9'; ++i) {
+      n = n * 10 + (item[i] - '0');
+    }
+    if (i == item.size()) {
+      value = item[0] == '-' ? -n : n;
+      return true;
+    }
+  }
+  return ToLong(BooleanAsNumber(item), value);
 }
 
 bool TextReader::ReadInteger(int16_t& value) {
-  std::string item;
-  return ReadItem(item) && ToInteger(BooleanAsNumber(std::move(item)), value);
+  std::string& item = scratch_;
+  return ReadItem(item) && ToInteger(BooleanAsNumber(item), value);
 }
 
 bool TextReader::ReadSingle(float& value) {
-  std::string item;
-  return ReadItem(item) && ToSingle(BooleanAsNumber(std::move(item)), value);
+  std::string& item = scratch_;
+  return ReadItem(item) && ToSingle(BooleanAsNumber(item), value);
 }
 
 bool TextReader::ReadDouble(double& value) {
-  std::string item;
-  return ReadItem(item) && ToDouble(BooleanAsNumber(std::move(item)), value);
+  std::string& item = scratch_;
+  return ReadItem(item) && ToDouble(BooleanAsNumber(item), value);
 }
 
 void ItemValue::AppendTo(std::string& out) const {

@@ -74,10 +74,20 @@ class Collection {
       std::string k = UCase(key);
       if (keys_.count(k) != 0) return false;
       keys_.emplace(std::move(k), items_.size());
+      // Keys are recorded per item only once a collection uses them.
+      if (item_keys_.empty()) item_keys_.resize(items_.size());
     }
     items_.push_back(std::move(item));
-    item_keys_.emplace_back(key);
+    if (!item_keys_.empty() || !key.empty()) item_keys_.emplace_back(key);
     return true;
+  }
+
+  // Reserve()
+  //
+  // Makes room for `n` items without changing the collection.
+  void Reserve(int n) {
+    if (n <= 0) return;
+    items_.reserve(static_cast<size_t>(n));
   }
 
   // Remove()
@@ -86,10 +96,11 @@ class Collection {
   bool Remove(int i) {
     if (i < 1 || i > Count()) return false;
     size_t at = static_cast<size_t>(i - 1);
-    bool keyed = !item_keys_[at].empty();
     items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(at));
-    item_keys_.erase(item_keys_.begin() + static_cast<std::ptrdiff_t>(at));
-    if (!keys_.empty() && (keyed || at < items_.size())) Reindex();
+    if (!item_keys_.empty()) {
+      item_keys_.erase(item_keys_.begin() + static_cast<std::ptrdiff_t>(at));
+      Reindex();
+    }
     return true;
   }
 
@@ -103,10 +114,8 @@ class Collection {
   // Removes every item, from the last to the first, so owned objects are
   // released in that order.
   void Clear() {
-    while (!items_.empty()) {
-      items_.pop_back();
-      item_keys_.pop_back();
-    }
+    while (!items_.empty()) items_.pop_back();
+    item_keys_.clear();
     keys_.clear();
   }
 
@@ -115,7 +124,7 @@ class Collection {
   // The key the item at index `i` was added with ("" when none).
   const std::string& Key(int i) const {
     static const std::string kNone;
-    if (i < 1 || i > Count()) return kNone;
+    if (i < 1 || i > Count() || item_keys_.empty()) return kNone;
     return item_keys_[static_cast<size_t>(i - 1)];
   }
 
@@ -138,7 +147,7 @@ class Collection {
   }
 
   std::vector<T> items_;
-  std::vector<std::string> item_keys_;
+  std::vector<std::string> item_keys_;  // empty while no item has a key
   std::unordered_map<std::string, size_t> keys_;
 };
 

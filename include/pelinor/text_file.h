@@ -128,7 +128,8 @@ class TextReader {
   size_t map_size_ = 0;
   std::string_view data_;  // whichever of the two holds the contents
   size_t pos_ = 0;
-  size_t next_lf_ = 0;  // the next LF at or after pos_, when lf_cached_
+  std::string scratch_;  // reused by the typed reads
+  size_t next_lf_ = 0;   // the next LF at or after pos_, when lf_cached_
   bool lf_cached_ = false;
   bool open_ = false;
 };
