@@ -9,4 +9,5 @@ set(PELINOR_CORE_SOURCES
   core/ini_file.cpp
   core/registry.cpp
   core/reg_file_store.cpp
+  core/reg_exp.cpp
 )

@@ -9,3 +9,4 @@ pelinor_add_tests(core
 )
 pelinor_add_tests(ini_file tests/core/ini_file_test.cpp)
 pelinor_add_tests(registry tests/core/registry_test.cpp)
+pelinor_add_tests(reg_exp tests/core/reg_exp_test.cpp)
