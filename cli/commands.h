@@ -11,6 +11,8 @@ namespace pelinor::cli {
 void AddRegistryCommand(CLI::App& app);
 void AddSettingsCommand(CLI::App& app);
 void AddQueueCommand(CLI::App& app);
+void AddFormatCommands(CLI::App& app);
+void AddPatternCommand(CLI::App& app);
 void AddProfileCommands(CLI::App& app);
 
 }  // namespace pelinor::cli

@@ -16,6 +16,8 @@ int main(int argc, char** argv) {
   pelinor::cli::AddRegistryCommand(app);
   pelinor::cli::AddSettingsCommand(app);
   pelinor::cli::AddQueueCommand(app);
+  pelinor::cli::AddFormatCommands(app);
+  pelinor::cli::AddPatternCommand(app);
   pelinor::cli::AddProfileCommands(app);
   CLI11_PARSE(app, argc, argv);
   return pelinor::cli::ExitStatus();

@@ -4,5 +4,7 @@ set(PELINOR_CLI_SOURCES
   cli/registry_command.cpp
   cli/settings_command.cpp
   cli/queue_command.cpp
+  cli/format_command.cpp
+  cli/pattern_command.cpp
   cli/profile_command.cpp
 )

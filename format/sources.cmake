@@ -1,1 +1,5 @@
-set(PELINOR_FORMAT_SOURCES)
+set(PELINOR_FORMAT_SOURCES
+  format/amounts.cpp
+  format/dates.cpp
+  format/postcodes.cpp
+)

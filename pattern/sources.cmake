@@ -1,1 +1,9 @@
-set(PELINOR_PATTERN_SOURCES)
+set(PELINOR_PATTERN_SOURCES
+  pattern/month_tables.cpp
+  pattern/pattern_engine.cpp
+  pattern/char_mapper.cpp
+  pattern/sbs_char_replace.cpp
+  pattern/pattern_spec.cpp
+  pattern/pattern_match.cpp
+  pattern/evaluate_pattern.cpp
+)

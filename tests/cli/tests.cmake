@@ -5,6 +5,8 @@ pelinor_add_tests(cli
   tests/cli/registry_cli_test.cpp
   tests/cli/settings_cli_test.cpp
   tests/cli/profile_cli_test.cpp
+  tests/cli/format_cli_test.cpp
+  tests/cli/pattern_cli_test.cpp
 )
 if(TARGET cli_tests)
   target_include_directories(cli_tests PRIVATE ${PROJECT_SOURCE_DIR})

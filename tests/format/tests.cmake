@@ -1,1 +1,5 @@
-pelinor_add_tests(format)
+pelinor_add_tests(format
+  tests/format/amounts_test.cpp
+  tests/format/dates_test.cpp
+  tests/format/postcodes_test.cpp
+)

@@ -1,1 +1,4 @@
-pelinor_add_tests(pattern)
+pelinor_add_tests(pattern
+  tests/pattern/month_coercion_test.cpp
+)
+include(tests/pattern/match_tests.cmake)

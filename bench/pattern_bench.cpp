@@ -1,0 +1,206 @@
+// The pattern engine: loading specifications, matching field texts, and
+// whole evaluations with and without coercion.
+//
+// BM_BarePcre2Jit is the floor for matching: a hand-written PCRE2 JIT
+// loop enumerating the matches of the same expression over the same texts,
+// with no result objects. BM_RegExpExecute and BM_EngineExecute run the
+// library's matcher and the engine's Execute() over those texts;
+// BM_StdRegex shows std::regex for comparison. BM_EvaluatePattern* time the
+// evaluation entry end to end with no "CharMap.txt" (the registry named by
+// PELINOR_REGISTRY does not exist), so they include the engine's creation,
+// the registry look-up and the file check made on every call.
+
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <benchmark/benchmark.h>
+#include <pcre2.h>
+
+#include <cstdlib>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "pelinor/evaluate_pattern.h"
+#include "pelinor/pattern_engine.h"
+#include "pelinor/reg_exp.h"
+
+namespace {
+
+const char* const kSpecs[] = {
+    "LL000000L",
+    "0000|LL0000",
+    "\"INV-\"{0000??}",
+    "LL{00?}\"-\"0000(L)",
+};
+
+const std::vector<std::string>& FieldTexts() {
+  static const std::vector<std::string> texts = {
+      "AB123456C", "AB12345GC", "XY654321Z", "0B123456C",
+      "AB123456",  "QQ000001A", "ab123456c", "ZZ999999Z",
+  };
+  return texts;
+}
+
+const char kFieldRegex[] = "[A-Z][A-Z]\\d\\d\\d\\d\\d\\d[A-Z]";
+
+void NoMappingFile() {
+  setenv("PELINOR_REGISTRY", "/nonexistent/pelinor-bench.reg", 1);
+}
+
+void BM_LoadSBSExpression(benchmark::State& state) {
+  const std::string spec = kSpecs[state.range(0)];
+  for (auto _ : state) {
+    pelinor::cPatternEngine engine;
+    std::string error;
+    bool ok = false;
+    engine.LoadSBSExpression(spec, error, ok);
+    benchmark::DoNotOptimize(engine.RegExpFormat.data());
+  }
+  state.SetLabel(spec);
+}
+BENCHMARK(BM_LoadSBSExpression)->DenseRange(0, 3);
+
+void BM_BarePcre2Jit(benchmark::State& state) {
+  int error = 0;
+  PCRE2_SIZE offset = 0;
+  pcre2_code* code = pcre2_compile(
+      reinterpret_cast<PCRE2_SPTR>(kFieldRegex), PCRE2_ZERO_TERMINATED,
+      PCRE2_NEVER_UTF | PCRE2_NEVER_UCP | PCRE2_DOLLAR_ENDONLY, &error, &offset,
+      nullptr);
+  pcre2_jit_compile(code, PCRE2_JIT_COMPLETE);
+  pcre2_match_data* md = pcre2_match_data_create(1, nullptr);
+  const auto& texts = FieldTexts();
+  size_t found = 0;
+  for (auto _ : state) {
+    for (const std::string& t : texts) {
+      size_t pos = 0;
+      while (pos <= t.size()) {
+        int rc = pcre2_jit_match(code, reinterpret_cast<PCRE2_SPTR>(t.data()),
+                                 t.size(), pos, 0, md, nullptr);
+        if (rc < 0) break;
+        const PCRE2_SIZE* ov = pcre2_get_ovector_pointer(md);
+        ++found;
+        pos = ov[1] == ov[0] ? ov[1] + 1 : ov[1];
+      }
+    }
+  }
+  benchmark::DoNotOptimize(found);
+  pcre2_match_data_free(md);
+  pcre2_code_free(code);
+  state.SetItemsProcessed(state.iterations() *
+                          static_cast<int64_t>(texts.size()));
+}
+BENCHMARK(BM_BarePcre2Jit);
+
+void BM_RegExpExecute(benchmark::State& state) {
+  pelinor::cRegExp re;
+  re.Pattern = kFieldRegex;
+  re.Global = true;
+  pelinor::cMatchCollection matches;
+  std::string error;
+  const auto& texts = FieldTexts();
+  for (auto _ : state) {
+    for (const std::string& t : texts) {
+      re.Execute(t, matches, error);
+      benchmark::DoNotOptimize(matches.Count());
+    }
+  }
+  state.SetItemsProcessed(state.iterations() *
+                          static_cast<int64_t>(texts.size()));
+}
+BENCHMARK(BM_RegExpExecute);
+
+void BM_EngineExecute(benchmark::State& state) {
+  pelinor::cPatternEngine engine;
+  std::string error;
+  bool ok = false;
+  engine.LoadSBSExpression("LL000000L", error, ok);
+  const auto& texts = FieldTexts();
+  std::string text;
+  for (auto _ : state) {
+    for (const std::string& t : texts) {
+      text = t;
+      engine.Execute(text, error, ok);
+      benchmark::DoNotOptimize(ok);
+    }
+  }
+  state.SetItemsProcessed(state.iterations() *
+                          static_cast<int64_t>(texts.size()));
+}
+BENCHMARK(BM_EngineExecute);
+
+void BM_StdRegex(benchmark::State& state) {
+  const std::regex re(kFieldRegex, std::regex::ECMAScript);
+  const auto& texts = FieldTexts();
+  size_t found = 0;
+  for (auto _ : state) {
+    for (const std::string& t : texts) {
+      for (auto it = std::sregex_iterator(t.begin(), t.end(), re);
+           it != std::sregex_iterator(); ++it) {
+        ++found;
+      }
+    }
+  }
+  benchmark::DoNotOptimize(found);
+  state.SetItemsProcessed(state.iterations() *
+                          static_cast<int64_t>(texts.size()));
+}
+BENCHMARK(BM_StdRegex);
+
+void BM_EvaluatePatternPlain(benchmark::State& state) {
+  NoMappingFile();
+  const auto& texts = FieldTexts();
+  size_t i = 0;
+  for (auto _ : state) {
+    std::string text = texts[i++ % texts.size()];
+    std::string value;
+    std::string error;
+    bool ok = pelinor::EvaluatePattern(text, "LL000000L", false, true, true,
+                                       false, value, error, "");
+    benchmark::DoNotOptimize(ok);
+  }
+}
+BENCHMARK(BM_EvaluatePatternPlain);
+
+// The registry look-up and file check that every evaluation makes.
+void BM_CharMapPath(benchmark::State& state) {
+  NoMappingFile();
+  for (auto _ : state) {
+    std::string path = pelinor::CharMapPath();
+    benchmark::DoNotOptimize(path.data());
+  }
+}
+BENCHMARK(BM_CharMapPath);
+
+// "1O5I" needs two replacements ("O" to "0", "I" to "1") to become "1051".
+void BM_EvaluatePatternTwoReplacements(benchmark::State& state) {
+  NoMappingFile();
+  for (auto _ : state) {
+    std::string text = "1O5I";
+    std::string value;
+    std::string error;
+    bool ok = pelinor::EvaluatePattern(text, "0000", true, true, true, false,
+                                       value, error, "");
+    if (!ok || value != "1051") state.SkipWithError("unexpected result");
+  }
+}
+BENCHMARK(BM_EvaluatePatternTwoReplacements);
+
+// Every "1" may be an "I" or an "L" and every "0" an "O" or a "Q": 2^14
+// variations, so the evaluation stops at the 10000th.
+void BM_EvaluatePatternVariationLimit(benchmark::State& state) {
+  NoMappingFile();
+  for (auto _ : state) {
+    std::string text = "10101010101010";
+    std::string value;
+    std::string error;
+    bool ok = pelinor::EvaluatePattern(text, "LLLLLLLLLLLLLL", true, true, true,
+                                       false, value, error, "");
+    if (ok || error != pelinor::kTooManyVariationsError) {
+      state.SkipWithError("the limit was not reached");
+    }
+  }
+  state.SetLabel("10000 variations");
+}
+BENCHMARK(BM_EvaluatePatternVariationLimit)->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,237 @@
+// The "validate" and "format" verbs: check and normalise OCR values as
+// amounts, numerics, dates and postcodes, the way a field of that data
+// type is checked and formatted.
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/cli_util.h"
+#include "cli/commands.h"
+#include "pelinor/format.h"
+#include "pelinor/numeric.h"
+#include "pelinor/pattern_engine.h"
+#include "pelinor/registry.h"
+#include "pelinor/text.h"
+
+namespace pelinor::cli {
+namespace {
+
+struct FormatOptions {
+  std::string type;                 // code or format name, UTF-8
+  std::string locale;               // empty: "HalvernLocale" from the registry
+  std::vector<std::string> values;  // UTF-8
+  bool json = false;
+};
+
+enum class Family { kAmount, kNumeric, kDate, kPostCode, kNone };
+
+// The codes that have a format name, in the order the names are listed.
+constexpr std::array<int32_t, 14> kNamedCodes = {
+    2, 300, 3, 4, 200, 5, 100, 101, 102, 103, 104, 105, 106, 107};
+
+Family FamilyOf(int32_t code) {
+  switch (code) {
+    case 2:
+    case 300:
+      return Family::kNumeric;
+    case 4:
+    case 200:
+    case 10004:
+    case 10200:
+      return Family::kAmount;
+    case 5:
+      return Family::kPostCode;
+    case 3:
+      return Family::kDate;
+    default:
+      return code >= 100 && code <= 107 ? Family::kDate : Family::kNone;
+  }
+}
+
+// The data-type code named by `text`: a number, or a format name ignoring
+// case. Nothing (after Fail()) for anything else.
+std::optional<int32_t> ParseType(const std::string& text) {
+  int32_t code = 0;
+  if (ToLong(text, code)) return code;
+  const cFormat format;
+  for (const int32_t named : kNamedCodes) {
+    if (EqualsIgnoreCase(format.FormatDescr(named), text)) return named;
+  }
+  Fail("unknown data type \"" + text +
+       "\": use a code (4, 10004, ...) or a name (AMOUNT, DATEGB, POSTCODE, "
+       "...)");
+  return std::nullopt;
+}
+
+// The name used in messages: the format name, or the code itself.
+std::string TypeLabel(int32_t code) {
+  std::string name = cFormat().FormatDescr(code);
+  return name.empty() ? std::to_string(code) : name;
+}
+
+struct Answer {
+  std::string input;
+  bool valid = false;
+  std::string output;   // the normalised value; the input itself when checked
+  std::string message;  // why the value failed
+  std::string shown;    // what the text line shows after the tab
+};
+
+// Prints the answers (text lines or one JSON array) and sets a failing
+// exit status when any value failed.
+void Report(const std::vector<Answer>& answers, bool json) {
+  nlohmann::json all = nlohmann::json::array();
+  bool failed = false;
+  for (const Answer& a : answers) {
+    failed |= !a.valid;
+    if (json) {
+      all.push_back({{"input", Json(a.input)},
+                     {"valid", a.valid},
+                     {"output", Json(a.output)},
+                     {"message", Json(a.message)}});
+    } else {
+      PrintLine(a.input + "\t" + a.shown);
+    }
+  }
+  if (json) PrintJson(all);
+  if (failed && ExitStatus() == 0) SetExitStatus(1);
+}
+
+void RunValidate(const FormatOptions& opts) {
+  const auto code = ParseType(FromUtf8(opts.type));
+  if (!code) return;
+  const Family family = FamilyOf(*code);
+  if (family == Family::kNone) {
+    Fail("data type " + TypeLabel(*code) +
+         " has no validation of its own; such fields are checked against "
+         "their pattern");
+    return;
+  }
+  std::string locale = FromUtf8(opts.locale);
+  if (locale.empty()) locale = ReadServerSetting(kLocaleValue, "GB");
+  const cFormat format;
+  std::vector<Answer> answers;
+  for (const std::string& arg : opts.values) {
+    Answer a;
+    a.input = FromUtf8(arg);
+    switch (family) {
+      case Family::kAmount:
+      case Family::kNumeric:
+        a.valid = format.ValidateAmount(a.input);
+        break;
+      case Family::kDate:
+        a.valid = format.ValidateDate(a.input, locale);
+        break;
+      default:
+        a.valid = format.ValidatePostCode(a.input);
+        break;
+    }
+    if (a.valid) {
+      a.output = a.input;
+      a.shown = "ok";
+    } else {
+      a.message = "not a valid " + TypeLabel(*code);
+      if (family == Family::kDate) a.message += " for locale " + locale;
+      a.shown = a.message;
+    }
+    answers.push_back(std::move(a));
+  }
+  Report(answers, opts.json);
+}
+
+void RunFormat(const FormatOptions& opts) {
+  const auto code = ParseType(FromUtf8(opts.type));
+  if (!code) return;
+  const Family family = FamilyOf(*code);
+  if (family == Family::kNone) {
+    Fail("data type " + TypeLabel(*code) +
+         " has no formatting of its own; such values are kept as they are");
+    return;
+  }
+  const cFormat format;
+  const cPatternEngine engine;
+  std::vector<Answer> answers;
+  for (const std::string& arg : opts.values) {
+    Answer a;
+    a.input = FromUtf8(arg);
+    switch (family) {
+      case Family::kAmount:
+        a.valid = format.FormatAmount(a.input, a.output, *code);
+        break;
+      case Family::kNumeric:
+        a.valid = format.FormatNumeric(a.input, a.output, *code);
+        break;
+      case Family::kDate:
+        engine.CoerceDate(a.input, a.output, format.FormatDescr(*code),
+                          a.valid);
+        break;
+      default:
+        a.valid = format.FormatPostCode(a.input, a.output, *code);
+        break;
+    }
+    if (a.valid) {
+      a.shown = a.output;
+    } else {
+      a.output.clear();
+      a.message = "cannot be formatted as " + TypeLabel(*code);
+      a.shown = a.message;
+    }
+    answers.push_back(std::move(a));
+  }
+  Report(answers, opts.json);
+}
+
+CLI::App* AddVerb(CLI::App& app, const char* name, const char* description,
+                  FormatOptions& opts) {
+  CLI::App* cmd = app.add_subcommand(name, description);
+  cmd->add_option("--type,-t", opts.type,
+                  "data type: a code (2, 300, 3, 4, 200, 5, 100-107; "
+                  "10004/10200 for amounts with a trusted point) or its "
+                  "name (NUMERIC, NUMERIC_COMMA, DATE, AMOUNT, AMOUNTUS, "
+                  "POSTCODE, DATEGB, DATEUS, DATEJAPAN, DATEFR, DATEPT, "
+                  "DATEES, DATEDE, DATEIT)")
+      ->required();
+  cmd->add_option("VALUE", opts.values,
+                  "values to check; put \"--\" before values that start "
+                  "with \"-\"")
+      ->required();
+  cmd->add_flag("--json", opts.json,
+                "print a JSON array of {input, valid, output, message}");
+  cmd->footer(
+      "Prints one line per value: the value, a tab and the result or the "
+      "error text. Exits with status 1 when any value fails. With "
+      "PELINORLOGFORMAT set, the format log lines are appended to that "
+      "file. Rules: docs/formats/amounts.md and docs/formats/dates.md.");
+  return cmd;
+}
+
+}  // namespace
+
+void AddFormatCommands(CLI::App& app) {
+  auto validate_opts = std::make_shared<FormatOptions>();
+  CLI::App* validate =
+      AddVerb(app, "validate",
+              "Check values as a field of a data type is checked: amounts and "
+              "numerics, dates in the locale's order, UK postcodes",
+              *validate_opts);
+  validate->add_option("--locale", validate_opts->locale,
+                       "date order: GB (day/month/year), US "
+                       "(month/day/year) or JP (year/month/day); default: "
+                       "the registry's HalvernLocale, else GB");
+  validate->callback([validate_opts] { RunValidate(*validate_opts); });
+
+  auto format_opts = std::make_shared<FormatOptions>();
+  CLI::App* format = AddVerb(
+      app, "format",
+      "Normalise OCR values as a field of a data type is formatted: "
+      "amounts, numerics, dates (month names in six languages, stored in "
+      "the order of the registry's HalvernLocale) and UK postcodes",
+      *format_opts);
+  format->callback([format_opts] { RunFormat(*format_opts); });
+}
+
+}  // namespace pelinor::cli

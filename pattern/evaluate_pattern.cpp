@@ -1,0 +1,104 @@
+// The pattern evaluation entry. Rules: docs/formats/patterns.md
+// ("Evaluation"); mapping file: docs/formats/charmap.md.
+
+#include "pelinor/evaluate_pattern.h"
+
+#include "pelinor/file_system.h"
+#include "pelinor/log.h"
+#include "pelinor/registry.h"
+
+namespace pelinor {
+
+std::string CharMapPath() {
+  std::string dir = ReadServerSetting(kProfileDirValue, "");
+  if (dir.empty()) return "";
+  // The setting may be written for Windows ("C:\Profiles\"); a trailing
+  // backslash separates just as a slash does.
+  if (dir.back() == '\\') dir.back() = '/';
+  return JoinPath(dir, kCharMapFileName);
+}
+
+bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
+                         const std::string& strPatternSpec, bool bCoerce,
+                         bool bSuppressSpaces, bool bWhole,
+                         bool bKeepSurrounding, std::string& strOutput,
+                         std::string& strErrMsg,
+                         const std::string& strLogFile) {
+  strErrMsg.clear();
+  // Messages are only built when there is a log to write them to.
+  const bool logging = !strLogFile.empty();
+  if (logging) {
+    AppendLogLine(strLogFile, "Evaluating text '" + strText +
+                                  "' against pattern spec '" + strPatternSpec +
+                                  "'" +
+                                  (bCoerce ? " Coertion:on" : " Coertion:off"));
+  }
+
+  const std::string map_path = CharMapPath();
+  if (!map_path.empty() && FileExists(map_path) &&
+      !engine.LoadCharacterMappings(map_path, strErrMsg)) {
+    AppendLogLine(strLogFile, strErrMsg);
+    return false;
+  }
+
+  engine.PerformCoertion = bCoerce;
+  engine.SuppressSpaces = bSuppressSpaces;
+
+  bool loaded = false;
+  std::string load_error;
+  engine.LoadSBSExpression(strPatternSpec, load_error, loaded);
+  if (!loaded) {
+    // Matching still runs, with whatever expression the engine holds, and
+    // decides the result.
+    strErrMsg = kIllegalPatternError;
+    AppendLogLine(strLogFile, strErrMsg);
+  }
+
+  if (logging) {
+    AppendLogLine(strLogFile,
+                  "Applying regular expression '" + engine.RegExpFormat + "'");
+  }
+
+  bool executed = false;
+  engine.Execute(strText, strErrMsg, executed);
+  if (!executed) {
+    AppendLogLine(strLogFile, strErrMsg);
+    return false;
+  }
+
+  std::string value;
+  bool chosen = false;
+  if (bWhole) {
+    engine.BestCandidateWhole(value, chosen);
+  } else {
+    engine.BestCandidateSubPattern(value, bKeepSurrounding, chosen);
+  }
+  if (!chosen) {
+    strErrMsg = kPatternValidationError;
+    AppendLogLine(strLogFile, strErrMsg);
+    return false;
+  }
+  strOutput = value;
+  if (logging) AppendLogLine(strLogFile, "Output value:'" + strOutput + "'");
+  return true;
+}
+
+bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
+                     bool bCoerce, bool bSuppressSpaces, bool bWhole,
+                     bool bKeepSurrounding, std::string& strOutput,
+                     std::string& strErrMsg, const std::string& strLogFile) {
+  cPatternEngine engine;
+  return EvaluatePatternWith(engine, strText, strPatternSpec, bCoerce,
+                             bSuppressSpaces, bWhole, bKeepSurrounding,
+                             strOutput, strErrMsg, strLogFile);
+}
+
+bool ValidatePatternValue(const std::string& strText,
+                          const std::string& strPatternSpec, bool bCoerce,
+                          std::string& strValue, std::string& strErrMsg) {
+  std::string text = strText;
+  return EvaluatePattern(text, strPatternSpec, bCoerce, false, true, false,
+                         strValue, strErrMsg, "");
+}
+
+}  // namespace pelinor

@@ -1,0 +1,253 @@
+// The pattern engine's month-name and date coercion: misread English
+// abbreviations, month names of six languages and the date coercion used
+// when a date field's value is formatted. Rules: docs/formats/dates.md.
+
+#include "pelinor/pattern_engine.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "pattern/month_tables.h"
+#include "pelinor/format.h"
+#include "pelinor/log.h"
+#include "pelinor/text.h"
+
+namespace pelinor {
+namespace {
+
+namespace mt = month_tables;
+
+// No month name of any language is longer ("septiembre").
+constexpr size_t kLongestMonthWord = 10;
+
+bool FormatLogOn() { return !FormatLogPath().empty(); }
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// A maximal run of number characters that holds a digit. Requiring a
+// digit keeps words such as "il" or "le" from being taken for numbers,
+// while a misread "2OO4" is kept whole (and then refused) rather than cut
+// short.
+struct NumberRun {
+  size_t begin;
+  size_t end;
+  size_t firstDigit;
+  size_t lastDigit;
+};
+
+// `isNumberChar` is the formatter's rule for characters of a date number.
+std::vector<NumberRun> FindNumberRuns(std::string_view text,
+                                      bool (*isNumberChar)(char)) {
+  std::vector<NumberRun> runs;
+  size_t i = 0;
+  while (i < text.size()) {
+    if (!isNumberChar(text[i])) {
+      ++i;
+      continue;
+    }
+    NumberRun run{i, i, std::string_view::npos, 0};
+    for (; i < text.size() && isNumberChar(text[i]); ++i) {
+      if (!IsDigit(text[i])) continue;
+      if (run.firstDigit == std::string_view::npos) run.firstDigit = i;
+      run.lastDigit = i;
+    }
+    run.end = i;
+    if (run.firstDigit != std::string_view::npos) runs.push_back(run);
+  }
+  return runs;
+}
+
+}  // namespace
+
+std::string cPatternEngine::CoerceShortMonth(const std::string& strWord) const {
+  if (strWord.size() != 3) return strWord;
+  const int m = mt::MonthOfKey(mt::MonthKey(UCase(strWord)));
+  return m == 0 ? strWord : std::string(mt::ShortMonth(m));
+}
+
+void cPatternEngine::CoerceShortMonthInString(std::string& strInOut) const {
+  int count = 0;
+  size_t lastPos = 0;
+  int lastMonth = 0;
+  for (size_t i = 0; i + 3 <= strInOut.size(); ++i) {
+    const char word[3] = {UpperChar(strInOut[i]), UpperChar(strInOut[i + 1]),
+                          UpperChar(strInOut[i + 2])};
+    const int m = mt::MonthOfKey(mt::MonthKey(std::string_view(word, 3)));
+    if (m != 0) {
+      ++count;
+      lastPos = i;
+      lastMonth = m;
+    }
+  }
+  const bool log = FormatLogOn();
+  if (log) {
+    LogFormatMessage("cPatternEngine.CoerceShortMonthInString:monthCount=" +
+                     std::to_string(count));
+  }
+  // Two or more hits cannot be told apart, so only a single one is
+  // repaired.
+  if (count == 1) strInOut.replace(lastPos, 3, mt::ShortMonth(lastMonth));
+  if (log) {
+    LogFormatMessage("cPatternEngine.CoerceShortMonthInString:strInOut=" +
+                     strInOut);
+  }
+}
+
+bool cPatternEngine::coerceNameDate(const std::string& strIn,
+                                    std::string& strOut) const {
+  const bool log = FormatLogOn();
+  if (log) LogFormatMessage("cPatternEngine.coerceNameDate(" + strIn + ")");
+  std::string text = UCase(strIn);
+  CoerceShortMonthInString(text);
+  if (log) {
+    LogFormatMessage(
+        "cPatternEngine.coerceNameDate post CoerceShortMonthInString->" + text);
+  }
+  const cFormat format;
+  std::string day, month, year;
+  const cFormat::EnglishMonth found = cFormat::FindEnglishMonth(text);
+  for (const int32_t mode : {1, 2, 3}) {
+    if (format.ReadMonthNameDate(text, found, day, month, year, mode)) {
+      strOut = day + "/" + month + "/" + year;
+      return true;
+    }
+  }
+  return false;
+}
+
+bool cPatternEngine::coerceLanguageDate(int language, const std::string& strIn,
+                                        std::string& strOut) {
+  const std::string_view text(strIn);
+  const size_t n = text.size();
+  // A zero or one directly before a letter is read as "o" or "l", so that
+  // "0ctobre" and "ju1l" still name their month.
+  const auto isWordChar = [&text, n](size_t k) {
+    if (mt::IsWordLetter(text[k])) return true;
+    return (text[k] == '0' || text[k] == '1') && k + 1 < n &&
+           mt::IsWordLetter(text[k + 1]);
+  };
+  const auto folded = [&text](size_t k) {
+    return text[k] == '0' ? 'o' : text[k] == '1' ? 'l' : mt::FoldChar(text[k]);
+  };
+
+  std::string word;
+  const cFormat format;
+  // Numbers are found once; month words come in increasing order, so the
+  // last number before a word and the first after it only move forward.
+  std::vector<NumberRun> runs;
+  bool runsFound = false;
+  size_t beforeCount = 0;  // runs with a digit before the current word
+  size_t afterIndex = 0;   // first run with a digit after the current word
+  for (size_t i = 0; i < n; ++i) {
+    // A month word starts where no letter stands before it.
+    if (!isWordChar(i) || (i > 0 && mt::IsWordLetter(text[i - 1]))) continue;
+    size_t j = i;
+    word.clear();
+    while (j < n && isWordChar(j) && word.size() <= kLongestMonthWord) {
+      word += folded(j++);
+    }
+    if (word.size() > kLongestMonthWord) continue;  // keeps long runs linear
+    const int m = mt::MatchMonthWord(language, word);
+    if (m == 0) continue;
+    if (!runsFound) {
+      runs = FindNumberRuns(text, &cFormat::IsDateNumberChar);
+      runsFound = true;
+    }
+    while (beforeCount < runs.size() && runs[beforeCount].firstDigit < i) {
+      ++beforeCount;
+    }
+    while (afterIndex < runs.size() && runs[afterIndex].lastDigit < j) {
+      ++afterIndex;
+    }
+    // Runs are cut at the month word: "0" of "0ctobre" is no number.
+    const auto slice = [&text](size_t begin, size_t end) {
+      return std::string(text.substr(begin, end - begin));
+    };
+    std::string day, year;
+    if (beforeCount > 0 && afterIndex < runs.size()) {
+      // The day stands before the month ("12 mars 2004", "3. März") and
+      // the year after it.
+      const NumberRun& before = runs[beforeCount - 1];
+      const NumberRun& after = runs[afterIndex];
+      day = slice(before.begin, std::min(before.end, i));
+      year = slice(std::max(after.begin, j), after.end);
+    } else if (beforeCount == 0 && afterIndex + 1 < runs.size()) {
+      // Nothing before: both follow ("dicembre 7, 2004").
+      const NumberRun& first = runs[afterIndex];
+      day = slice(std::max(first.begin, j), first.end);
+      year = slice(runs[afterIndex + 1].begin, runs[afterIndex + 1].end);
+    } else {
+      continue;
+    }
+    std::string month = std::to_string(m);
+    if (!format.ValidateDateParsed(day, month, year)) continue;
+    format.ApplyDateLocale(day, month, year);
+    strOut = day + "/" + month + "/" + year;
+    return true;
+  }
+  return false;
+}
+
+bool cPatternEngine::coerceFrenchDate(const std::string& strIn,
+                                      std::string& strOut) {
+  return coerceLanguageDate(mt::kFrench, strIn, strOut);
+}
+
+bool cPatternEngine::coercePortugueseDate(const std::string& strIn,
+                                          std::string& strOut) {
+  return coerceLanguageDate(mt::kPortuguese, strIn, strOut);
+}
+
+bool cPatternEngine::coerceSpanishDate(const std::string& strIn,
+                                       std::string& strOut) {
+  return coerceLanguageDate(mt::kSpanish, strIn, strOut);
+}
+
+bool cPatternEngine::coerceGermanDate(const std::string& strIn,
+                                      std::string& strOut) {
+  return coerceLanguageDate(mt::kGerman, strIn, strOut);
+}
+
+bool cPatternEngine::coerceItalianDate(const std::string& strIn,
+                                       std::string& strOut) {
+  return coerceLanguageDate(mt::kItalian, strIn, strOut);
+}
+
+void cPatternEngine::CoerceDate(const std::string& strIn, std::string& strOut,
+                                const std::string& strDateFormat,
+                                bool& bSuccess) const {
+  const std::string name = UCase(strDateFormat);
+  bool ok;
+  if (name == "DATEFR") {
+    ok = coerceFrenchDate(strIn, strOut);
+  } else if (name == "DATEPT") {
+    ok = coercePortugueseDate(strIn, strOut);
+  } else if (name == "DATEES") {
+    ok = coerceSpanishDate(strIn, strOut);
+  } else if (name == "DATEDE") {
+    ok = coerceGermanDate(strIn, strOut);
+  } else if (name == "DATEIT") {
+    ok = coerceItalianDate(strIn, strOut);
+  } else {
+    ok = coerceNameDate(strIn, strOut);
+  }
+  if (!ok) {
+    // The general coercion: the formatter's reading of the same format.
+    std::string day, month, year;
+    float confidence = 0;
+    if (cFormat().ValidateRawDate(strIn, day, month, year, confidence,
+                                  strDateFormat)) {
+      strOut = day + "/" + month + "/" + year;
+      ok = true;
+    }
+  }
+  bSuccess = ok;
+}
+
+void cPatternEngine::LogFormatMessage(const std::string& strMsg) const {
+  LogFormatLine(strMsg);
+}
+
+}  // namespace pelinor

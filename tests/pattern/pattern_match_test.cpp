@@ -1,0 +1,196 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "pelinor/pattern_engine.h"
+
+namespace pelinor {
+namespace {
+
+struct Outcome {
+  bool ok = false;
+  std::string value, error;
+};
+
+// Loads `spec`, executes on `text` and picks a value the way the
+// evaluation entry does.
+Outcome Evaluate(cPatternEngine& engine, const std::string& spec,
+                 std::string text, bool whole, bool keep = false) {
+  Outcome out;
+  bool ok = false;
+  engine.LoadSBSExpression(spec, out.error, ok);
+  EXPECT_TRUE(ok) << out.error;
+  engine.Execute(text, out.error, ok);
+  if (!ok) return out;
+  if (whole) {
+    engine.BestCandidateWhole(out.value, out.ok);
+  } else {
+    engine.BestCandidateSubPattern(out.value, keep, out.ok);
+  }
+  return out;
+}
+
+TEST(PatternMatch, WholeModeNeedsMatchesCoveringTheText) {
+  struct Case {
+    std::string spec, text;
+    bool coerce, suppress, ok;
+    std::string value;
+  };
+  const Case cases[] = {
+      {"LL000000L", "AB12345GC", true, false, true, "AB123456C"},
+      {"LL000000L", "0B123456C", true, false, true, "OB123456C"},
+      {"0000", "1O5I", true, false, true, "1051"},
+      {"0000", "1O5I", false, false, false, ""},
+      {"LL000000L", "AB123456C", false, false, true, "AB123456C"},
+      {"000", "12345", false, false, false, ""},
+      {"(000)", "123456", false, false, true, "123456"},
+      {"0000", "12 34", false, true, true, "1234"},
+      {"0000", "12\t34", false, true, false, ""},
+      {"(000)", "", false, false, false, ""},
+      {"A|B", "AB", false, false, true, "AB"},
+      {"{0000??}", "1234567", false, false, false, ""},
+      {"{0000??}", "12345", false, false, true, "12345"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.spec + " on " + c.text);
+    cPatternEngine engine;
+    engine.PerformCoertion = c.coerce;
+    engine.SuppressSpaces = c.suppress;
+    Outcome out = Evaluate(engine, c.spec, c.text, true);
+    EXPECT_EQ(out.ok, c.ok);
+    EXPECT_EQ(out.value, c.value);
+  }
+}
+
+TEST(PatternMatch, SubPatternModeTakesTheLongestMatchedText) {
+  struct Case {
+    std::string spec, text;
+    bool coerce, keep, ok;
+    std::string value;
+  };
+  const Case cases[] = {
+      {"000", "ab123cd", false, false, true, "123"},
+      {"000", "ab123cd", false, true, true, "ab123cd"},
+      {"(000)", "ab123cd", false, true, true, "ab123cd"},
+      {"000", "123cd", false, true, true, "123cd"},
+      {"LL0", "x AB1 y CD2", false, false, true, "AB1CD2"},
+      {"LL0", "x AB1 y CD2 z", false, true, true, "x AB1CD2 z"},
+      {"000", "abc", false, true, false, ""},
+      {"000", "Inv 1O5 x", true, true, true, "Inv 105 x"},
+      {"000", "Inv 1O5 x", true, false, true, "105"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.spec + " on " + c.text);
+    cPatternEngine engine;
+    engine.PerformCoertion = c.coerce;
+    Outcome out = Evaluate(engine, c.spec, c.text, false, c.keep);
+    EXPECT_EQ(out.ok, c.ok);
+    EXPECT_EQ(out.value, c.value);
+  }
+}
+
+// Replaces the engine's mappings with `pairs`: what OCR produced and what
+// it may stand for, two characters per mapping.
+void SetMappings(cPatternEngine& engine, const std::string& pairs) {
+  engine.CharMapper->Clear();
+  for (size_t i = 0; i + 1 < pairs.size(); i += 2) {
+    engine.CharMapper->Add(pairs.substr(i, 1), pairs.substr(i + 1, 1));
+  }
+}
+
+TEST(PatternMatch, EqualCandidatesKeepTheEarlierOne) {
+  // "0" may be read for "O" or "Q": both fit an upper-case letter, and the
+  // mapping order decides which candidate comes first.
+  struct Case {
+    std::string pairs, value;
+  };
+  const Case cases[] = {{"0O0Q", "O"}, {"0Q0O", "Q"}};
+  for (const Case& c : cases) {
+    for (bool whole : {true, false}) {
+      SCOPED_TRACE(c.value + (whole ? " whole" : " sub-pattern"));
+      cPatternEngine engine;
+      engine.PerformCoertion = true;
+      SetMappings(engine, c.pairs);
+      Outcome out = Evaluate(engine, "L", "0", whole);
+      EXPECT_TRUE(out.ok);
+      EXPECT_EQ(out.value, c.value);
+      EXPECT_EQ(engine.Candidates().size(), 3u);
+    }
+  }
+}
+
+TEST(PatternMatch, VariationsComeFewestReplacementsFirst) {
+  struct Case {
+    std::string spec, text, pairs, variations;
+  };
+  const Case cases[] = {
+      {"(00)(0)", "OI", "O0I1", "OI 0I O1 01"},
+      {"(00)(0)", "OI", "O8O0I1", "OI 8I 0I O1 81 01"},
+      // Only characters that do not fit are replaced, only by what fits.
+      {"L0", "B8", "B88BBb", "B8"},
+      {"0L", "B8", "B88BBb", "B8 8B"},
+      {"\"O\"0", "0O", "0OO0", "0O O0"},
+      {"0", "ab", "a1a1b2x3", "ab 1b a2"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.spec + " on " + c.text);
+    cPatternEngine engine;
+    engine.PerformCoertion = true;
+    SetMappings(engine, c.pairs);
+    Evaluate(engine, c.spec, c.text, true);
+    std::string variations;
+    for (const cPatternCandidate& k : engine.Candidates()) {
+      variations += (variations.empty() ? "" : " ") + k.Variation;
+    }
+    EXPECT_EQ(variations, c.variations);
+    EXPECT_EQ(engine.VariationCount(),
+              static_cast<int32_t>(engine.Candidates().size()));
+  }
+}
+
+// Gives each of "a" to "d" the numbers of digit and upper-case mappings
+// listed, so that "(0000)(LLLL)" on "abcd" has 1 + product(digits) +
+// product(letters) variations.
+void AddMappings(cCharMapper& mapper, const int (&digits)[4],
+                 const int (&letters)[4]) {
+  mapper.Clear();
+  for (int i = 0; i < 4; ++i) {
+    const std::string from(1, static_cast<char>('a' + i));
+    for (int k = 0; k < digits[i]; ++k) {
+      mapper.Add(from, std::string(1, static_cast<char>('0' + k)));
+    }
+    for (int k = 0; k < letters[i]; ++k) {
+      mapper.Add(from, std::string(1, static_cast<char>('A' + k)));
+    }
+  }
+}
+
+TEST(PatternMatch, TheTenThousandthVariationFailsTheEvaluation) {
+  struct Case {
+    int digits[4];
+    int letters[4];
+    int32_t variations;
+    bool ok;
+  };
+  const Case cases[] = {
+      {{10, 9, 6, 10}, {1, 11, 19, 22}, 9999, true},  // 1 + 5400 + 4598
+      {{9, 10, 8, 9}, {1, 9, 17, 23}, 10000, false},  // 1 + 6480 + 3519
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.variations);
+    cPatternEngine engine;
+    engine.PerformCoertion = true;
+    AddMappings(*engine.CharMapper, c.digits, c.letters);
+    Outcome out = Evaluate(engine, "(0000)(LLLL)", "abcd", true);
+    EXPECT_EQ(engine.VariationCount(), c.variations);
+    if (c.ok) {
+      EXPECT_TRUE(out.ok);
+      EXPECT_EQ(out.value, "AAAA");
+      EXPECT_EQ(engine.Candidates().size(), 9999u);
+    } else {
+      EXPECT_FALSE(out.ok);
+      EXPECT_EQ(out.error, kTooManyVariationsError);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace pelinor
