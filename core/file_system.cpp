@@ -16,6 +16,11 @@ void DeleteFileQuietly(const std::string& path) {
 
 std::string JoinPath(std::string_view dir, std::string_view name) {
   std::string out(dir);
+#ifndef _WIN32
+  // Settings written for Windows end directories with "\"; here only "/"
+  // separates.
+  if (!out.empty() && out.back() == '\\') out.back() = '/';
+#endif
   if (!out.empty() && out.back() != '/' && out.back() != '\\') {
     out.push_back('/');
   }

@@ -12,9 +12,6 @@ namespace pelinor {
 std::string CharMapPath() {
   std::string dir = ReadServerSetting(kProfileDirValue, "");
   if (dir.empty()) return "";
-  // The setting may be written for Windows ("C:\Profiles\"); a trailing
-  // backslash separates just as a slash does.
-  if (dir.back() == '\\') dir.back() = '/';
   return JoinPath(dir, kCharMapFileName);
 }
 

@@ -24,7 +24,8 @@ void DeleteFileQuietly(const std::string& path);
 // JoinPath()
 //
 // Joins a directory and a file name with "/", treating a trailing "/" or
-// "\" on `dir` as already separated. An empty `dir` gives `name`.
+// "\" on `dir` as already separated (away from Windows the trailing "\"
+// becomes "/", so both name the same file). An empty `dir` gives `name`.
 std::string JoinPath(std::string_view dir, std::string_view name);
 
 }  // namespace pelinor
