@@ -11,6 +11,7 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "pelinor/evaluate_pattern.h"
 #include "pelinor/format.h"
 #include "pelinor/numeric.h"
 #include "pelinor/pattern_engine.h"
@@ -24,6 +25,8 @@ struct FormatOptions {
   std::string type;                 // code or format name, UTF-8
   std::string locale;               // empty: "HalvernLocale" from the registry
   std::vector<std::string> values;  // UTF-8
+  std::string spec;  // pattern for data types without a formatter, UTF-8
+  bool coerce = false;
   bool json = false;
 };
 
@@ -101,14 +104,32 @@ void Report(const std::vector<Answer>& answers, bool json) {
   if (failed && ExitStatus() == 0) SetExitStatus(1);
 }
 
+// Checks every value against the pattern `opts.spec`, as a field of a
+// data type without a formatter is checked; the chosen value is the output.
+void RunPattern(const FormatOptions& opts) {
+  const std::string spec = FromUtf8(opts.spec);
+  std::vector<Answer> answers;
+  for (const std::string& arg : opts.values) {
+    Answer a;
+    a.input = FromUtf8(arg);
+    a.valid =
+        ValidatePatternValue(a.input, spec, opts.coerce, a.output, a.message);
+    if (!a.valid) a.output.clear();
+    a.shown = a.valid ? a.output : a.message;
+    answers.push_back(std::move(a));
+  }
+  Report(answers, opts.json);
+}
+
 void RunValidate(const FormatOptions& opts) {
   const auto code = ParseType(FromUtf8(opts.type));
   if (!code) return;
   const Family family = FamilyOf(*code);
   if (family == Family::kNone) {
+    if (!opts.spec.empty()) return RunPattern(opts);
     Fail("data type " + TypeLabel(*code) +
          " has no validation of its own; such fields are checked against "
-         "their pattern");
+         "their pattern: give it with --spec");
     return;
   }
   std::string locale = FromUtf8(opts.locale);
@@ -148,8 +169,9 @@ void RunFormat(const FormatOptions& opts) {
   if (!code) return;
   const Family family = FamilyOf(*code);
   if (family == Family::kNone) {
+    if (!opts.spec.empty()) return RunPattern(opts);
     Fail("data type " + TypeLabel(*code) +
-         " has no formatting of its own; such values are kept as they are");
+         " has no formatting of its own; give its pattern with --spec");
     return;
   }
   const cFormat format;
@@ -199,6 +221,12 @@ CLI::App* AddVerb(CLI::App& app, const char* name, const char* description,
                   "values to check; put \"--\" before values that start "
                   "with \"-\"")
       ->required();
+  cmd->add_option("--spec", opts.spec,
+                  "pattern specification for data types without a formatter "
+                  "(docs/formats/patterns.md); the value chosen by the "
+                  "pattern is the result");
+  cmd->add_flag("--coerce", opts.coerce,
+                "with --spec: try character-mapping variations of the value");
   cmd->add_flag("--json", opts.json,
                 "print a JSON array of {input, valid, output, message}");
   cmd->footer(

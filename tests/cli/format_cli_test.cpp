@@ -87,6 +87,16 @@ TEST(FormatCli, PrintsOneResultPerValue) {
        "GB",
        "GIR 0AA\tok\nW1 1CA\tnot a valid POSTCODE\n",
        1},
+      // Data types without a formatter are checked against a pattern.
+      {{"validate", "-t", "1", "--spec", "LL000000L", "--coerce", "AB12345GC",
+        "XX"},
+       "GB",
+       "AB12345GC\tAB123456C\nXX\tPattern validation failed.\n",
+       1},
+      {{"format", "-t", "0", "--spec", "0000", "--coerce", "1O5I"},
+       "GB",
+       "1O5I\t1051\n",
+       0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args[2] + " " + c.args.back());
