@@ -134,7 +134,7 @@ TEST(FormatCli, RefusesUnknownTypes) {
        "a name (AMOUNT, DATEGB, POSTCODE, ...)\n"},
       {{"validate", "-t", "7", "x"},
        "pelinor: data type 7 has no validation of its own; such fields are "
-       "checked against their pattern\n"},
+       "checked against their pattern: give it with --spec\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args[2]);
