@@ -27,3 +27,8 @@ run settings section examples/profiles/Invoices.ini HoldReasons
 run profile show examples/profiles/Invoices.ini
 run detect show examples/detect/TemplateDetect.ini
 run scan show examples/scan/Colour300.ini
+run format --type AMOUNT "£12.50" 12.5 7
+run format --type DATEGB "12 0CT 2003" 1.2.03 "15 de março de 2004"
+run format --type POSTCODE SW1A1AA
+run pattern --spec LL000000L --coerce AB12345GC 0B123456C
+run queue select examples/queue/queue.txt --for capture --for least-processed
