@@ -54,8 +54,8 @@ nlohmann::json CandidatesJson(const cPatternEngine& engine) {
   return out;
 }
 
-// Prints the specification's expression and elements; false (after
-// Fail()) when the specification is illegal.
+// Prints the pattern's expression and elements; false (after
+// Fail()) when the pattern is illegal.
 bool ShowRegex(const std::string& spec) {
   cPatternEngine engine;
   std::string error;

@@ -4,7 +4,7 @@
 //
 // Each call creates its own engine, reads the optional character-mapping
 // file "CharMap.txt" from the directory named by the machine-wide setting
-// "ProfileDir", loads the specification, matches and picks the value, and
+// "ProfileDir", loads the pattern, matches and picks the value, and
 // appends its progress to the caller's log file.
 //
 // Thread safety: calls share nothing but the compiled-pattern cache and

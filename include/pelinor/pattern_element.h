@@ -1,5 +1,5 @@
 // The pieces a pattern engine keeps for a loaded specification and an
-// evaluated text: the elements of the specification with their positions,
+// evaluated text: the elements of the pattern with their positions,
 // and the candidates that matching produced.
 // Language: docs/formats/patterns.md.
 //

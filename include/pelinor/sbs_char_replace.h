@@ -5,7 +5,7 @@
 // cSBSCharReplace holds one section (its class and length limits);
 // cMetaRules holds every section of a loaded specification, in order, and
 // expands a section into the placeholder runs it stands for, which the
-// engine's coercion uses to line a text up with the specification.
+// engine's coercion uses to line a text up with the pattern.
 //
 // Thread safety: objects are used by one thread at a time.
 
