@@ -67,13 +67,10 @@ bool cQueue::WriteSettings(const std::string& FileName,
 bool cQueue::ReadSettings(const std::string& FileName, std::string& strErrMsg) {
   strErrMsg.clear();
   TextReader file;
-  if (!file.Open(FileName)) {
-    strErrMsg = kQueueFileOpenError;
-    return false;
-  }
   float version = 0;
-  if (!queue_internal::ReadVersionItem(file, version)) {
-    strErrMsg = kQueueInvalidVersion;
+  if (!queue_internal::OpenVersioned(FileName, kQueueFileOpenError,
+                                     kQueueInvalidVersion, file, version,
+                                     strErrMsg)) {
     return false;
   }
   Version = NumberText(version);

@@ -184,13 +184,10 @@ bool cQueueEntry::ReadSettings(const std::string& FileName,
                                std::string& strErrMsg) {
   strErrMsg.clear();
   TextReader file;
-  if (!file.Open(FileName)) {
-    strErrMsg = kStatusFileOpenError;
-    return false;
-  }
   float version = 0;
-  if (!queue_internal::ReadVersionItem(file, version)) {
-    strErrMsg = kQueueInvalidVersion;
+  if (!queue_internal::OpenVersioned(FileName, kStatusFileOpenError,
+                                     kQueueInvalidVersion, file, version,
+                                     strErrMsg)) {
     return false;
   }
   Version = NumberText(version);
@@ -261,13 +258,10 @@ bool cQueueEntry::ReadRejectMessage(std::string& strMsg,
                                     std::string& strErrMsg) {
   strErrMsg.clear();
   TextReader file;
-  if (!file.Open(FileName)) {
-    strErrMsg = kRejectFileOpenError;
-    return false;
-  }
   float version = 0;
-  if (!queue_internal::ReadVersionItem(file, version)) {
-    strErrMsg = kQueueInvalidVersion;
+  if (!queue_internal::OpenVersioned(FileName, kRejectFileOpenError,
+                                     kQueueInvalidVersion, file, version,
+                                     strErrMsg)) {
     return false;
   }
   Version = NumberText(version);

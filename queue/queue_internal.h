@@ -22,6 +22,24 @@ inline bool ReadVersionItem(TextReader& file, float& version) {
   return ParseVersionNumber(text, version);
 }
 
+// Opens one of the queue's files and reads its version item, the first
+// step of every queue reader. On failure sets `strErrMsg` to `open_error`
+// (the file cannot be opened) or to the invalid-version message, and
+// returns false.
+inline bool OpenVersioned(const std::string& path, const char* open_error,
+                          const char* version_error, TextReader& file,
+                          float& version, std::string& strErrMsg) {
+  if (!file.Open(path)) {
+    strErrMsg = open_error;
+    return false;
+  }
+  if (!ReadVersionItem(file, version)) {
+    strErrMsg = version_error;
+    return false;
+  }
+  return true;
+}
+
 // Deposit types whose documents are unpacked before capture.
 inline bool MustBeUnpacked(const cQueueEntry& e) {
   return e.DepositType == 2 || e.DepositType == 3 || e.DepositType == 4;
