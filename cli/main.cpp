@@ -6,7 +6,6 @@
 #include "cli/commands.h"
 #include "pelinor/version.h"
 
-
 int main(int argc, char** argv) {
   CLI::App app{
       "pelinor: capture profiles, templates, document data, the work queue "

@@ -6,8 +6,6 @@
 
 #include "pelinor/profile.h"
 
-#include "pelinor/version.h"
-
 #include <string>
 
 #include "pelinor/data_parser.h"
@@ -15,7 +13,7 @@
 #include "pelinor/numeric.h"
 #include "pelinor/text.h"
 #include "pelinor/text_file.h"
-
+#include "pelinor/version.h"
 
 namespace pelinor {
 
