@@ -2,7 +2,7 @@
 # Installs the Debian packages the build needs, only those missing.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ pkg-config libpcre2-dev libcli11-dev
+packages=(cmake ninja-build g++ clang pkg-config libpcre2-dev libcli11-dev
           nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev)
 missing=()
 for p in "${packages[@]}"; do
