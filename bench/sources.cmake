@@ -5,4 +5,5 @@ set(PELINOR_BENCH_SOURCES
   bench/queue_bench.cpp
   bench/pattern_bench.cpp
   bench/format_bench.cpp
+  bench/template_bench.cpp
 )

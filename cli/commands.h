@@ -14,6 +14,7 @@ void AddQueueCommand(CLI::App& app);
 void AddFormatCommands(CLI::App& app);
 void AddPatternCommand(CLI::App& app);
 void AddProfileCommands(CLI::App& app);
+void AddTemplateCommands(CLI::App& app);
 
 }  // namespace pelinor::cli
 

@@ -18,6 +18,7 @@ int main(int argc, char** argv) {
   pelinor::cli::AddFormatCommands(app);
   pelinor::cli::AddPatternCommand(app);
   pelinor::cli::AddProfileCommands(app);
+  pelinor::cli::AddTemplateCommands(app);
   CLI11_PARSE(app, argc, argv);
   return pelinor::cli::ExitStatus();
 }

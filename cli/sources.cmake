@@ -7,4 +7,5 @@ set(PELINOR_CLI_SOURCES
   cli/format_command.cpp
   cli/pattern_command.cpp
   cli/profile_command.cpp
+  cli/template_command.cpp
 )
