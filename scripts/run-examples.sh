@@ -27,6 +27,7 @@ run settings section examples/profiles/Invoices.ini HoldReasons
 run profile show examples/profiles/Invoices.ini
 run detect show examples/detect/TemplateDetect.ini
 run scan show examples/scan/Colour300.ini
+run template show examples/templates/AcmeSupplies.tpl --profile examples/profiles/Invoices.ini
 run format --type AMOUNT "£12.50" 12.5 7
 run format --type DATEGB "12 0CT 2003" 1.2.03 "15 de março de 2004"
 run format --type POSTCODE SW1A1AA
