@@ -15,6 +15,8 @@ void AddFormatCommands(CLI::App& app);
 void AddPatternCommand(CLI::App& app);
 void AddProfileCommands(CLI::App& app);
 void AddTemplateCommands(CLI::App& app);
+// Adds "capture" and the "document" group (show, upgrade).
+void AddCaptureCommand(CLI::App& app);
 
 }  // namespace pelinor::cli
 

@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
   pelinor::cli::AddPatternCommand(app);
   pelinor::cli::AddProfileCommands(app);
   pelinor::cli::AddTemplateCommands(app);
+  pelinor::cli::AddCaptureCommand(app);
   CLI11_PARSE(app, argc, argv);
   return pelinor::cli::ExitStatus();
 }

@@ -8,4 +8,5 @@ set(PELINOR_CLI_SOURCES
   cli/pattern_command.cpp
   cli/profile_command.cpp
   cli/template_command.cpp
+  cli/capture_command.cpp
 )

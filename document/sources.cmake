@@ -1,1 +1,4 @@
-set(PELINOR_DOCUMENT_SOURCES)
+set(PELINOR_DOCUMENT_SOURCES
+  document/field_data.cpp
+  document/document_data.cpp
+)

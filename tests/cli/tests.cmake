@@ -8,6 +8,7 @@ pelinor_add_tests(cli
   tests/cli/format_cli_test.cpp
   tests/cli/pattern_cli_test.cpp
   tests/cli/template_cli_test.cpp
+  tests/cli/capture_cli_test.cpp
 )
 if(TARGET cli_tests)
   target_include_directories(cli_tests PRIVATE ${PROJECT_SOURCE_DIR})

@@ -1,0 +1,357 @@
+// Reader and writer of the document tag file, and the look-ups, creation
+// and copying of a document's items.
+// Format: docs/formats/document.md.
+
+#include "pelinor/document_data.h"
+
+#include <string>
+
+#include "lineitems/tag_records.h"
+#include "pelinor/data_parser.h"
+#include "pelinor/numeric.h"
+#include "pelinor/text.h"
+
+namespace pelinor {
+
+using namespace tag_records;  // NOLINT(build/namespaces)
+
+// ---------------------------------------------------------------------------
+// Tag file
+// ---------------------------------------------------------------------------
+
+bool cDocumentData::WriteSettings(const std::string& FileName,
+                                  std::string& strErrMsg) const {
+  strErrMsg.clear();
+  TextWriter out;
+  if (!out.Create(FileName)) return false;
+  out.WriteLine(kVersionLine);
+  out.WriteLine("DocStatus:" + NumberText(Status));
+  out.WriteLine("DocMessage:" + StatusMessage);
+  out.WriteLine(ProfileName);
+  out.WriteLine("LastSheetIndex:" + NumberText(LastSheetIndex));
+
+  bool ok = true;
+  out.WriteLine("FieldsCount:" + NumberText(Fields.Count()));
+  int32_t i = 0;
+  for (const auto& f : Fields) {
+    ok = ok && f && f->WriteSettings(++i, out, strErrMsg);
+  }
+  out.WriteLine("PseudoFieldsCount:" + NumberText(PseudoFields.Count()));
+  i = 0;
+  for (const auto& f : PseudoFields) {
+    ok = ok && f && f->WritePseudoSettings(++i, out, strErrMsg);
+  }
+  out.WriteLine("LLAnchorCount:" + NumberText(LinePseudos.Count()));
+  i = 0;
+  for (const auto& f : LinePseudos) {
+    ok = ok && f && f->WriteLinePseudoSettings(++i, out, strErrMsg);
+  }
+  out.WriteLine("DocEndMarksCount:" + NumberText(DocEndMarks.Count()));
+  i = 0;
+  for (const auto& f : DocEndMarks) {
+    ok = ok && f && f->WriteDocEndMarkSettings(++i, out, strErrMsg);
+  }
+  out.WriteLine("LineCount:" + NumberText(LineData.Count()));
+  int32_t columns = 0;
+  if (LineData.Count() > 0 && LineData.Item(1)) {
+    columns = LineData.Item(1)->colLineItemData.Count();
+  }
+  out.WriteLine("ColumnCount:" + NumberText(columns));
+  i = 0;
+  for (const auto& row : LineData) {
+    ok = ok && row && row->WriteSettings(++i, out, strErrMsg);
+  }
+  if (!ok) {
+    out.Abandon();
+    return false;
+  }
+  return out.Commit();
+}
+
+bool cDocumentData::ReadSettings(const std::string& FileName,
+                                 std::string& strErrMsg) {
+  strErrMsg.clear();
+  TextReader in;
+  if (!in.Open(FileName)) {
+    strErrMsg = kDocTagsReadError;
+    return false;
+  }
+  return ReadSettings(in, strErrMsg);
+}
+
+bool cDocumentData::ReadSettings(TextReader& in, std::string& strErrMsg) {
+  strErrMsg.clear();
+  std::string ver_line;
+  float ver = 0;
+  if (!in.ReadItem(ver_line) || !ParseVersionNumber(ver_line, ver)) {
+    strErrMsg = kInvalidVersionError;
+    return false;
+  }
+  auto fail = [&strErrMsg]() {
+    if (strErrMsg.empty()) strErrMsg = kDocTagsReadError;
+    return false;
+  };
+  // Counts are taken as a number of records to read, never as a size to
+  // reserve: a damaged count then ends at the end of the file.
+  auto read_count = [&in](int32_t& n) { return ReadItemLong(in, n) && n >= 0; };
+  int32_t n = 0;
+  if (!ReadItemLong(in, Status)) return fail();
+  if (!ReadLineValue(in, StatusMessage)) return fail();
+  if (!in.ReadItem(ProfileName)) return fail();
+  if (ver >= 0.926f && !ReadItemLong(in, LastSheetIndex)) return fail();
+
+  auto self = weak_from_this();
+  if (!read_count(n)) return fail();
+  for (int32_t i = 1; i <= n; ++i) {
+    auto f = std::make_shared<cFieldData>();
+    f->Document = self;
+    if (!f->ReadSettings(i, in, strErrMsg, ver_line)) return fail();
+    Fields.Add(std::move(f));
+  }
+  if (ver >= 0.917f) {
+    if (!read_count(n)) return fail();
+    for (int32_t i = 1; i <= n; ++i) {
+      auto f = std::make_shared<cFieldData>();
+      f->Document = self;
+      if (!f->ReadPseudoSettings(i, in, strErrMsg, ver_line)) return fail();
+      PseudoFields.Add(std::move(f));
+    }
+  }
+  if (ver >= 0.922f) {
+    if (!read_count(n)) return fail();
+    for (int32_t i = 1; i <= n; ++i) {
+      auto f = std::make_shared<cFieldData>();
+      f->Document = self;
+      if (!f->ReadLinePseudoSettings(i, in, strErrMsg, ver_line)) {
+        return fail();
+      }
+      LinePseudos.Add(std::move(f));
+    }
+  }
+  if (ver >= 0.928f) {
+    if (!read_count(n)) return fail();
+    for (int32_t i = 1; i <= n; ++i) {
+      auto f = std::make_shared<cFieldData>();
+      f->Document = self;
+      if (!f->ReadDocEndMarkSettings(i, in, strErrMsg, ver_line)) {
+        return fail();
+      }
+      DocEndMarks.Add(std::move(f));
+    }
+  }
+  if (ver >= 0.918f) {
+    int32_t columns = 0;
+    if (!read_count(n) || !read_count(columns)) return fail();
+    for (int32_t i = 1; i <= n; ++i) {
+      auto row = std::make_shared<cLineData>();
+      row->Document = self;
+      if (!row->ReadSettings(i, columns, in, strErrMsg, ver_line)) {
+        return fail();
+      }
+      LineData.Add(std::move(row));
+    }
+  }
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// Items
+// ---------------------------------------------------------------------------
+
+std::shared_ptr<cFieldData> cDocumentData::NewFieldData() {
+  auto f = std::make_shared<cFieldData>();
+  f->Document = weak_from_this();
+  return f;
+}
+
+std::shared_ptr<cFieldData> cDocumentData::CreateField() {
+  auto f = NewFieldData();
+  Fields.Add(f);
+  return f;
+}
+
+std::shared_ptr<cFieldData> cDocumentData::CreatePseudoField() {
+  auto f = NewFieldData();
+  PseudoFields.Add(f);
+  return f;
+}
+
+std::shared_ptr<cFieldData> cDocumentData::CreateLinePseudo() {
+  auto f = NewFieldData();
+  LinePseudos.Add(f);
+  return f;
+}
+
+std::shared_ptr<cFieldData> cDocumentData::CreateDocEndMark() {
+  auto f = NewFieldData();
+  DocEndMarks.Add(f);
+  return f;
+}
+
+std::shared_ptr<cLineData> cDocumentData::CreateLineData() {
+  auto row = std::make_shared<cLineData>();
+  row->Document = weak_from_this();
+  LineData.Add(row);
+  return row;
+}
+
+std::shared_ptr<cLineData> cDocumentData::CreateLineEntryRow() {
+  LineEntryRow = std::make_shared<cLineData>();
+  LineEntryRow->Document = weak_from_this();
+  return LineEntryRow;
+}
+
+std::shared_ptr<cLineHdrType> cDocumentData::CreateLineHeader() {
+  auto hdr = std::make_shared<cLineHdrType>();
+  LineHeaders.Add(hdr);
+  return hdr;
+}
+
+bool cDocumentData::FindIn(const Collection<std::shared_ptr<cFieldData>>& items,
+                           const std::string& strLocation,
+                           const std::string& FieldName, int32_t& FieldIdx,
+                           std::shared_ptr<cFieldData>& FieldData) {
+  int32_t location = 0;
+  const bool by_location =
+      IsNumeric(strLocation) && ToLong(strLocation, location);
+  const std::string wanted = UCase(FieldName);
+  for (int i = 1; i <= items.Count(); ++i) {
+    const auto& f = items.Item(i);
+    if (!f || UCase(f->Name) != wanted) continue;
+    if (by_location && f->DataLocation() != location) continue;
+    FieldIdx = i;
+    FieldData = f;
+    return true;
+  }
+  return false;
+}
+
+bool cDocumentData::Find(const std::string& FieldName, int32_t& FieldIdx,
+                         std::shared_ptr<cFieldData>& FieldData) const {
+  return FindIn(Fields, "", FieldName, FieldIdx, FieldData);
+}
+
+bool cDocumentData::FindPseudo(const std::string& FieldName, int32_t& FieldIdx,
+                               std::shared_ptr<cFieldData>& FieldData) const {
+  return FindIn(PseudoFields, "", FieldName, FieldIdx, FieldData);
+}
+
+bool cDocumentData::FindLinePseudo(
+    const std::string& strLocation, const std::string& FieldName,
+    int32_t& FieldIdx, std::shared_ptr<cFieldData>& FieldData) const {
+  return FindIn(LinePseudos, strLocation, FieldName, FieldIdx, FieldData);
+}
+
+bool cDocumentData::FindDocEndMark(
+    const std::string& strLocation, const std::string& FieldName,
+    int32_t& FieldIdx, std::shared_ptr<cFieldData>& FieldData) const {
+  return FindIn(DocEndMarks, strLocation, FieldName, FieldIdx, FieldData);
+}
+
+// ---------------------------------------------------------------------------
+// Copying and maintenance
+// ---------------------------------------------------------------------------
+
+void cDocumentData::Copy(std::shared_ptr<cDocumentData>& Target) const {
+  if (!Target) Target = std::make_shared<cDocumentData>();
+  cDocumentData& t = *Target;
+  t.Status = Status;
+  t.StatusMessage = StatusMessage;
+  t.ProfileName = ProfileName;
+  t.Profile = Profile;
+  t.Template = Template;
+  t.FirstSheetIndex = FirstSheetIndex;
+  t.LastSheetIndex = LastSheetIndex;
+  t.FirstSideBack = FirstSideBack;
+  t.LastSideBack = LastSideBack;
+  t.PrimaryStatus = PrimaryStatus;
+  t.PrimaryStatusMessage = PrimaryStatusMessage;
+  auto copy_each = [](const Collection<std::shared_ptr<cFieldData>>& from,
+                      auto create) {
+    for (const auto& f : from) {
+      if (f) f->CopyProperties(*create());
+    }
+  };
+  copy_each(Fields, [&t] { return t.CreateField(); });
+  copy_each(PseudoFields, [&t] { return t.CreatePseudoField(); });
+  copy_each(LinePseudos, [&t] { return t.CreateLinePseudo(); });
+  copy_each(DocEndMarks, [&t] { return t.CreateDocEndMark(); });
+  for (const auto& row : LineData) {
+    if (row) PopulateLineDataProperties(*row, *t.CreateLineData());
+  }
+  if (LineEntryRow) {
+    PopulateLineDataProperties(*LineEntryRow, *t.CreateLineEntryRow());
+  }
+  for (const auto& h : LineHeaders) {
+    if (!h) continue;
+    auto n = t.CreateLineHeader();
+    n->Name = h->Name;
+    n->DisplayName = h->DisplayName;
+    n->DataFlags = h->DataFlags;
+    n->DataType = h->DataType;
+    n->Hidden = h->Hidden;
+    n->ReadOnly = h->ReadOnly;
+    n->PtnAllowOverride = h->PtnAllowOverride;
+    n->InternalValidateLevel = h->InternalValidateLevel;
+    n->Pattern = h->Pattern;
+    n->PtnMode = h->PtnMode;
+  }
+}
+
+void cDocumentData::PopulateLineDataProperties(const cLineData& Source,
+                                               cLineData& Target) const {
+  Target.Status = Source.Status;
+  Target.StatusMessage = Source.StatusMessage;
+  Target.Left = Source.Left;
+  Target.Top = Source.Top;
+  Target.Width = Source.Width;
+  Target.Height = Source.Height;
+  Target.Location = Source.Location;
+  Target.AvgTop = Source.AvgTop;
+  Target.AvgHeightToBase = Source.AvgHeightToBase;
+  for (const auto& cell : Source.colLineItemData) {
+    if (!cell) continue;
+    auto n = std::make_shared<cLineItemData>(*cell);
+    n->LineData = Target.weak_from_this();
+    n->OptionItems.Clear();
+    for (const auto& item : cell->OptionItems) {
+      if (item) n->OptionItems.Add(std::make_shared<cOptionItem>(*item));
+    }
+    Target.colLineItemData.Add(std::move(n));
+  }
+}
+
+void cDocumentData::Purge() {
+  Fields.Clear();
+  PseudoFields.Clear();
+  ClearDocEndMarks();
+}
+
+void cDocumentData::UpdateLineHeaders(
+    const std::shared_ptr<cProfile>& objProfile,
+    const std::shared_ptr<cTemplate>& objTemplate) {
+  if (!objProfile) return;
+  for (const auto& def : objProfile->LineItemHdrs) {
+    if (!def) continue;
+    auto hdr = std::make_shared<cLineHdrType>();
+    hdr->Name = def->Name;
+    hdr->DisplayName = def->DisplayName;
+    hdr->DataFlags = def->DataFlags;
+    hdr->InternalValidateLevel = def->InternalValidateLevel;
+    hdr->Hidden = def->Hidden;
+    hdr->ReadOnly = def->ReadOnly;
+    hdr->PtnAllowOverride = def->PtnAllowOverride;
+    hdr->DataType = def->DataType;
+    hdr->PtnMode = def->PtnMode;
+    hdr->Pattern = def->Pattern;
+    std::shared_ptr<cLineHdrType> over;
+    if (objTemplate && objTemplate->FindLineHeaders(def->Name, over) && over) {
+      if (over->DataType != kNoOverride) hdr->DataType = over->DataType;
+      if (over->PtnMode != kNoOverride) hdr->PtnMode = over->PtnMode;
+      if (over->Pattern != kUseDefaultProperty) hdr->Pattern = over->Pattern;
+    }
+    LineHeaders.Add(std::move(hdr));
+  }
+}
+
+}  // namespace pelinor

@@ -1,0 +1,136 @@
+// cDocumentData: the extracted data of one document and its tag file.
+//
+// Format: docs/formats/document.md.
+//
+// Ownership: the document owns its fields, rows and line headers through
+// std::shared_ptr; they point back to it with std::weak_ptr, so create the
+// document with std::make_shared before calling Create...(). `Profile` and
+// `Template` are shared, not owned, and never stored in the file.
+//
+// Thread safety: an object is used by one thread at a time.
+
+#ifndef PELINOR_DOCUMENT_DATA_H_
+#define PELINOR_DOCUMENT_DATA_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "pelinor/collection.h"
+#include "pelinor/field_data.h"
+#include "pelinor/line_data.h"
+#include "pelinor/line_hdr_type.h"
+#include "pelinor/profile.h"
+#include "pelinor/template.h"
+
+namespace pelinor {
+
+class cDocumentData : public std::enable_shared_from_this<cDocumentData> {
+ public:
+  int32_t Status = 0;
+  std::string StatusMessage;
+  std::string ProfileName;
+  std::shared_ptr<cProfile> Profile;
+  std::shared_ptr<cTemplate> Template;
+  Collection<std::shared_ptr<cFieldData>> Fields;
+  Collection<std::shared_ptr<cFieldData>> PseudoFields;
+  Collection<std::shared_ptr<cFieldData>> LinePseudos;
+  Collection<std::shared_ptr<cFieldData>> DocEndMarks;
+  Collection<std::shared_ptr<cLineData>> LineData;
+  Collection<std::shared_ptr<cLineHdrType>> LineHeaders;
+  std::shared_ptr<cLineData> LineEntryRow;
+  int32_t FirstSheetIndex = 0;
+  int32_t LastSheetIndex = 0;
+  int32_t FirstSideBack = 0;
+  int32_t LastSideBack = 0;
+  int32_t PrimaryStatus = 0;
+  std::string PrimaryStatusMessage;
+
+  // WriteSettings()
+  //
+  // Writes the whole tag file, replacing `FileName` when complete. False
+  // with no file left behind when the file cannot be written.
+  bool WriteSettings(const std::string& FileName, std::string& strErrMsg) const;
+
+  // ReadSettings()
+  //
+  // Appends what the tag file holds to this document. Fails with
+  // kInvalidVersionError, kDocTagsReadError or an item reader's message;
+  // what was read so far stays.
+  bool ReadSettings(const std::string& FileName, std::string& strErrMsg);
+  bool ReadSettings(TextReader& hFile, std::string& strErrMsg);
+
+  // The Create...() methods append a new item pointing to this document.
+  std::shared_ptr<cFieldData> CreateField();
+  std::shared_ptr<cFieldData> CreatePseudoField();
+  std::shared_ptr<cFieldData> CreateLinePseudo();
+  std::shared_ptr<cFieldData> CreateDocEndMark();
+  std::shared_ptr<cLineData> CreateLineData();
+  std::shared_ptr<cLineData> CreateLineEntryRow();
+  std::shared_ptr<cLineHdrType> CreateLineHeader();
+  std::shared_ptr<cFieldData> NewFieldData();
+
+  void ResetPseudoFields() { PseudoFields.Clear(); }
+  void ResetLinePseudos() { LinePseudos.Clear(); }
+  void ResetDocEndMarks() { DocEndMarks.Clear(); }
+  void ClearLinePseudos() { LinePseudos.Clear(); }
+  void ClearDocEndMarks() { DocEndMarks.Clear(); }
+  void ClearLineHeaders() { LineHeaders.Clear(); }
+  void ClearLineItems() { LineData.Clear(); }
+  void ClearLineEntryRow() { LineEntryRow.reset(); }
+
+  // Find() / FindPseudo()
+  //
+  // The first item whose Name equals `FieldName` ignoring case; false with
+  // the outputs untouched when there is none.
+  bool Find(const std::string& FieldName, int32_t& FieldIdx,
+            std::shared_ptr<cFieldData>& FieldData) const;
+  bool FindPseudo(const std::string& FieldName, int32_t& FieldIdx,
+                  std::shared_ptr<cFieldData>& FieldData) const;
+
+  // FindLinePseudo() / FindDocEndMark()
+  //
+  // As Find(); when `strLocation` is numeric the item's resolved
+  // DataLocation must equal it too.
+  bool FindLinePseudo(const std::string& strLocation,
+                      const std::string& FieldName, int32_t& FieldIdx,
+                      std::shared_ptr<cFieldData>& FieldData) const;
+  bool FindDocEndMark(const std::string& strLocation,
+                      const std::string& FieldName, int32_t& FieldIdx,
+                      std::shared_ptr<cFieldData>& FieldData) const;
+
+  // Copy()
+  //
+  // Copies this document into `Target` (created when null), appending to
+  // what it holds. Items are new objects pointing to `Target`.
+  void Copy(std::shared_ptr<cDocumentData>& Target) const;
+
+  // Purge()
+  //
+  // Removes every field and pseudo field and clears the end marks.
+  void Purge();
+
+  // UpdateLineHeaders()
+  //
+  // Appends one line header per profile header type, taking data type,
+  // pattern mode and pattern from the template's header where it sets
+  // them. Does nothing without a profile.
+  void UpdateLineHeaders(const std::shared_ptr<cProfile>& objProfile,
+                         const std::shared_ptr<cTemplate>& objTemplate);
+
+  // PopulateLineDataProperties()
+  //
+  // Copies `Source` with its cells into `Target`, appending the cells.
+  void PopulateLineDataProperties(const cLineData& Source,
+                                  cLineData& Target) const;
+
+ private:
+  static bool FindIn(const Collection<std::shared_ptr<cFieldData>>& items,
+                     const std::string& strLocation,
+                     const std::string& FieldName, int32_t& FieldIdx,
+                     std::shared_ptr<cFieldData>& FieldData);
+};
+
+}  // namespace pelinor
+
+#endif  // PELINOR_DOCUMENT_DATA_H_

@@ -1,0 +1,318 @@
+#include "pelinor/document_data.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "pelinor/file_system.h"
+#include "test_util.h"
+
+namespace pelinor {
+namespace {
+
+using testing::DataPath;
+using testing::ReadFile;
+using testing::TempDir;
+using testing::WriteFile;
+
+constexpr char kReadError[] =
+    "Error reading document tags file. Incorrect parameter";
+
+std::shared_ptr<cFieldData> AddField(cDocumentData& doc, int kind,
+                                     const std::string& name,
+                                     const std::string& value, int32_t loc,
+                                     int32_t l, int32_t t, int32_t w,
+                                     int32_t h) {
+  auto f = kind == 0   ? doc.CreateField()
+           : kind == 1 ? doc.CreatePseudoField()
+           : kind == 2 ? doc.CreateLinePseudo()
+                       : doc.CreateDocEndMark();
+  f->Name = name;
+  f->value = value;
+  f->DataLocation(loc);
+  f->Left = l;
+  f->Top = t;
+  f->Width = w;
+  f->Height = h;
+  return f;
+}
+
+void AddRow(cDocumentData& doc, int32_t status, const std::string& message,
+            int32_t top, const std::string& descr, const std::string& qty,
+            int32_t qty_status, const std::string& qty_message) {
+  auto row = doc.CreateLineData();
+  row->Status = status;
+  row->StatusMessage = message;
+  row->Left = 100;
+  row->Top = top;
+  row->Width = 1800;
+  row->Height = 50;
+  row->Location = 1;
+  auto a = std::make_shared<cLineItemData>();
+  a->Name = "Description";
+  a->value = descr;
+  row->colLineItemData.Add(a);
+  auto b = std::make_shared<cLineItemData>();
+  b->Name = "Quantity";
+  b->value = qty;
+  b->Status = qty_status;
+  b->StatusMessage = qty_message;
+  row->colLineItemData.Add(b);
+}
+
+// The document held by tests/data/document/complete.tag.
+std::shared_ptr<cDocumentData> CompleteDocument() {
+  auto doc = std::make_shared<cDocumentData>();
+  doc->Status = 1;
+  doc->StatusMessage = "Field TotalAmount: amount expected";
+  doc->ProfileName = "Invoices";
+  doc->LastSheetIndex = 2;
+  auto f =
+      AddField(*doc, 0, "InvoiceNumber", "INV-000123", 1, 1650, 410, 520, 70);
+  f->Status = 0;
+  f->StatusMessage = "";
+  f->DataType(1);
+  f = AddField(*doc, 0, "TotalAmount", "1,234.50", -6, 1500, 2900, 400, 60);
+  f->StatusMessage = "Amount expected, e.g. 1234.50";
+  f->DataType(4);
+  AddField(*doc, 1, "SupplierId", "ACME01", 1, 0, 0, 0, 0);
+  AddField(*doc, 2, "Description", "", 1, 100, 900, 300, 40);
+  AddField(*doc, 3, "Carried forward", "", 2, 160, 3050, 400, 40);
+  AddRow(*doc, 0, "", 960, "A4 paper, 80gsm", "10", 0, "");
+  AddRow(*doc, 1, "check quantity", 1010, "Toner", "I0", 1,
+         "Pattern validation failed.");
+  return doc;
+}
+
+TEST(DocumentData, WritesTheGoldenTagFileAndReadsItBack) {
+  TempDir dir;
+  const std::string golden = ReadFile(DataPath("document/complete.tag"));
+  ASSERT_FALSE(golden.empty());
+  std::string err = "old";
+  ASSERT_TRUE(CompleteDocument()->WriteSettings(dir.File("a.tag"), err));
+  EXPECT_EQ(err, "");
+  EXPECT_EQ(ReadFile(dir.File("a.tag")), golden);
+
+  auto back = std::make_shared<cDocumentData>();
+  ASSERT_TRUE(back->ReadSettings(DataPath("document/complete.tag"), err))
+      << err;
+  EXPECT_EQ(back->Fields.Item(2)->value, "1,234.50");
+  EXPECT_EQ(back->Fields.Item(2)->DataLocation(), -6);
+  EXPECT_EQ(back->DocEndMarks.Item(1)->Name, "Carried forward");
+  EXPECT_EQ(back->LineData.Item(2)->colLineItemData.Item(2)->StatusMessage,
+            "Pattern validation failed.");
+  ASSERT_TRUE(back->WriteSettings(dir.File("b.tag"), err));
+  EXPECT_EQ(ReadFile(dir.File("b.tag")), golden);
+}
+
+TEST(DocumentData, EmptyDocumentWritesEveryCount) {
+  TempDir dir;
+  std::string err;
+  ASSERT_TRUE(
+      std::make_shared<cDocumentData>()->WriteSettings(dir.File("e.tag"), err));
+  EXPECT_EQ(ReadFile(dir.File("e.tag")),
+            "ver0.946\r\nDocStatus:0\r\nDocMessage:\r\n\r\nLastSheetIndex:0\r\n"
+            "FieldsCount:0\r\nPseudoFieldsCount:0\r\nLLAnchorCount:0\r\n"
+            "DocEndMarksCount:0\r\nLineCount:0\r\nColumnCount:0\r\n");
+  EXPECT_FALSE(std::make_shared<cDocumentData>()->WriteSettings(
+      dir.File("missing/e.tag"), err));
+  EXPECT_FALSE(FileExists(dir.File("missing/e.tag")));
+}
+
+TEST(DocumentData, ReadsByVersionGate) {
+  const std::string field =
+      "Field1Name:Total\r\nField1Value:5\r\nField1Status:0\r\n"
+      "Field1Message:\r\n";
+  struct Case {
+    std::string text;
+    int32_t last_sheet;
+    int fields, pseudos, anchors, marks, rows;
+  } cases[] = {
+      {"ver0.900\r\nDocStatus:0\r\nDocMessage:\r\nInvoices\r\nFieldsCount:"
+       "1\r\n" +
+           field,
+       0, 1, 0, 0, 0, 0},
+      {"ver0.920\r\nDocStatus:0\r\nDocMessage:\r\nInvoices\r\nFieldsCount:"
+       "1\r\n" +
+           field +
+           "Field1DataLocation:1\r\nField1Coords:0:0:0:0\r\n"
+           "PseudoFieldsCount:0\r\nLineCount:1\r\nColumnCount:0\r\n"
+           "Line1Status:0\r\n",
+       0, 1, 0, 0, 0, 1},
+      {"ver0.926\r\nDocStatus:0\r\nDocMessage:\r\nInvoices\r\n"
+       "LastSheetIndex:3\r\nFieldsCount:0\r\nPseudoFieldsCount:0\r\n"
+       "LLAnchorCount:1\r\nLLAnchor1Name:A\r\nLLAnchor1DataLocation:1\r\n"
+       "LLAnchor1Coords:0:0:0:0\r\nLineCount:0\r\nColumnCount:0\r\n",
+       3, 0, 0, 1, 0, 0},
+      {"ver0.928\r\nDocStatus:0\r\nDocMessage:\r\nInvoices\r\n"
+       "LastSheetIndex:3\r\nFieldsCount:0\r\nPseudoFieldsCount:0\r\n"
+       "LLAnchorCount:0\r\nDocEndMarksCount:1\r\nDocEndMark1Name:E\r\n"
+       "DocEndMark1DataLocation:1\r\nDocEndMark1Coords:0:0:0:0\r\n"
+       "LineCount:0\r\nColumnCount:0\r\n",
+       3, 0, 0, 0, 1, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    auto doc = std::make_shared<cDocumentData>();
+    TextReader in;
+    in.OpenText(c.text);
+    std::string err;
+    EXPECT_TRUE(doc->ReadSettings(in, err)) << err;
+    EXPECT_TRUE(in.AtEnd());
+    EXPECT_EQ(doc->ProfileName, "Invoices");
+    EXPECT_EQ(doc->LastSheetIndex, c.last_sheet);
+    EXPECT_EQ(doc->Fields.Count(), c.fields);
+    EXPECT_EQ(doc->PseudoFields.Count(), c.pseudos);
+    EXPECT_EQ(doc->LinePseudos.Count(), c.anchors);
+    EXPECT_EQ(doc->DocEndMarks.Count(), c.marks);
+    EXPECT_EQ(doc->LineData.Count(), c.rows);
+  }
+}
+
+TEST(DocumentData, AnswersMalformedFilesWithTheirMessage) {
+  const std::string head =
+      "ver0.946\r\nDocStatus:0\r\nDocMessage:\r\nInvoices\r\n"
+      "LastSheetIndex:1\r\n";
+  struct Case {
+    std::string text;
+    const char* err;
+    int fields;
+  } cases[] = {
+      {"ver", "Invalid version number", 0},
+      {"", "Invalid version number", 0},
+      {"ver0.946\r\nDocStatus:x\r\n", kReadError, 0},
+      {head + "FieldsCount:many\r\n", kReadError, 0},
+      {head + "FieldsCount:-1\r\n", kReadError, 0},
+      {head + "FieldsCount:2000000000\r\nField1Name:A\r\nField1Value:\r\n"
+              "Field1Status:0\r\nField1Message:\r\nField1DataLocation:0\r\n"
+              "Field1DataType:0\r\nField1Coords:0:0:0:0\r\n",
+       kReadError, 1},
+      {head + "FieldsCount:0\r\nPseudoFieldsCount:0\r\nLLAnchorCount:0\r\n"
+              "DocEndMarksCount:0\r\nLineCount:1\r\nColumnCount:x\r\n",
+       kReadError, 0},
+      {std::string("ver0.946\0\0\r\nDocStatus:0", 23), kReadError, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    auto doc = std::make_shared<cDocumentData>();
+    TextReader in;
+    in.OpenText(c.text);
+    std::string err;
+    EXPECT_FALSE(doc->ReadSettings(in, err));
+    EXPECT_EQ(err, c.err);
+    EXPECT_EQ(doc->Fields.Count(), c.fields);
+  }
+  std::string err;
+  EXPECT_FALSE(
+      std::make_shared<cDocumentData>()->ReadSettings("/nonexistent/x", err));
+  EXPECT_EQ(err, kReadError);
+}
+
+TEST(DocumentData, FindsByNameAndLocation) {
+  auto doc = std::make_shared<cDocumentData>();
+  AddField(*doc, 0, "Total", "1", 1, 0, 0, 0, 0);
+  AddField(*doc, 0, "TOTAL", "2", 1, 0, 0, 0, 0);
+  AddField(*doc, 1, "Ref", "3", 1, 0, 0, 0, 0);
+  AddField(*doc, 2, "Anchor", "", 2, 0, 0, 0, 0);
+  AddField(*doc, 2, "anchor", "", 3, 0, 0, 0, 0);
+  AddField(*doc, 3, "End", "", 2, 0, 0, 0, 0);
+  struct Case {
+    int kind;
+    const char* location;
+    const char* name;
+    bool found;
+    int32_t idx;
+  } cases[] = {
+      {0, "", "total", true, 1},     {0, "", "Ref", false, 99},
+      {1, "", "REF", true, 1},       {2, "3", "Anchor", true, 2},
+      {2, "2", "ANCHOR", true, 1},   {2, "", "Anchor", true, 1},
+      {2, "4", "Anchor", false, 99}, {3, "3", "End", false, 99},
+      {3, "x", "End", true, 1},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.name) + " @" + c.location);
+    int32_t idx = 99;
+    std::shared_ptr<cFieldData> found;
+    bool ok = c.kind == 0   ? doc->Find(c.name, idx, found)
+              : c.kind == 1 ? doc->FindPseudo(c.name, idx, found)
+              : c.kind == 2
+                  ? doc->FindLinePseudo(c.location, c.name, idx, found)
+                  : doc->FindDocEndMark(c.location, c.name, idx, found);
+    EXPECT_EQ(ok, c.found);
+    EXPECT_EQ(idx, c.idx);
+    EXPECT_EQ(found != nullptr, c.found);
+  }
+}
+
+TEST(DocumentData, CopyIsIndependentAndAppends) {
+  auto doc = CompleteDocument();
+  doc->CreateLineHeader()->Name = "Quantity";
+  std::shared_ptr<cDocumentData> copy;
+  doc->Copy(copy);
+  ASSERT_NE(copy, nullptr);
+  TempDir dir;
+  std::string err;
+  ASSERT_TRUE(copy->WriteSettings(dir.File("c.tag"), err));
+  EXPECT_EQ(ReadFile(dir.File("c.tag")),
+            ReadFile(DataPath("document/complete.tag")));
+  EXPECT_EQ(copy->LineHeaders.Item(1)->Name, "Quantity");
+  EXPECT_EQ(copy->Fields.Item(1)->Document.lock(), copy);
+
+  copy->Fields.Item(1)->value = "changed";
+  copy->LineData.Item(1)->colLineItemData.Item(1)->value = "changed";
+  EXPECT_EQ(doc->Fields.Item(1)->value, "INV-000123");
+  EXPECT_EQ(doc->LineData.Item(1)->colLineItemData.Item(1)->value,
+            "A4 paper, 80gsm");
+
+  doc->Copy(copy);  // appends to what the target holds
+  EXPECT_EQ(copy->Fields.Count(), 4);
+  copy->Purge();
+  EXPECT_EQ(copy->Fields.Count(), 0);
+  EXPECT_EQ(copy->PseudoFields.Count(), 0);
+  EXPECT_EQ(copy->DocEndMarks.Count(), 0);
+  EXPECT_EQ(copy->LinePseudos.Count(), 2);
+}
+
+TEST(DocumentData, UpdatesLineHeadersFromProfileAndTemplate) {
+  auto profile = std::make_shared<cProfile>();
+  for (const char* name : {"Description", "Quantity", "UnitPrice"}) {
+    auto h = std::make_shared<cLineHdrType>();
+    h->Name = name;
+    h->DisplayName = std::string("Shown ") + name;
+    h->DataType = 1;
+    h->Pattern = "000";
+    h->PtnMode = 1;
+    profile->LineItemHdrs.Add(h);
+  }
+  auto tpl = std::make_shared<cTemplate>();
+  auto over = tpl->CreateLineHeader();
+  over->Name = "quantity";
+  over->DataType = 2;
+  auto over2 = tpl->CreateLineHeader();
+  over2->Name = "UnitPrice";
+  over2->Pattern = "0.00";
+  struct Case {
+    int idx;
+    const char* name;
+    int32_t type;
+    const char* pattern;
+  } cases[] = {{1, "Description", 1, "000"},
+               {2, "Quantity", 2, "000"},
+               {3, "UnitPrice", 1, "0.00"}};
+  auto doc = std::make_shared<cDocumentData>();
+  doc->UpdateLineHeaders(profile, tpl);
+  ASSERT_EQ(doc->LineHeaders.Count(), 3);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const auto& h = doc->LineHeaders.Item(c.idx);
+    EXPECT_EQ(h->Name, c.name);
+    EXPECT_EQ(h->DisplayName, std::string("Shown ") + c.name);
+    EXPECT_EQ(h->DataType, c.type);
+    EXPECT_EQ(h->Pattern, c.pattern);
+    EXPECT_EQ(h->PtnMode, 1);
+  }
+}
+
+}  // namespace
+}  // namespace pelinor
