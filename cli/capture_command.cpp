@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -212,6 +213,10 @@ void RunCapture(const Options& opts) {
     Fail("--out-dir and --in-place cannot be used together");
     return;
   }
+  if (!opts.out_dir.empty()) {
+    std::error_code ec;
+    std::filesystem::create_directories(opts.out_dir, ec);
+  }
   std::string err;
   auto profile = std::make_shared<cProfile>();
   const std::string profile_file = FromUtf8(opts.profile);
@@ -247,7 +252,7 @@ void RunCapture(const Options& opts) {
                     ? file
                     : JoinPath(FromUtf8(opts.out_dir), BaseName(file));
       if (!doc->WriteSettings(written, err)) {
-        Fail("cannot write " + written);
+        Fail("cannot write " + written + ": " + err);
         written.clear();
       }
     }

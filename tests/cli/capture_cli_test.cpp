@@ -29,9 +29,13 @@ std::vector<std::string> Args(std::vector<std::string> extra) {
 TEST(CaptureCli, CleansValidatesAndWritesEachDocument) {
   TempDir dir;
   WriteFile(dir.File("in.tag"), ReadFile(Example("documents/INV0003.tag")));
+  // A missing output directory is created.
   CommandResult r = RunPelinor(
       Args({"--out-dir", dir.File("out"), dir.File("in.tag")}), Env(dir));
-  // The output directory does not exist: the write fails, the table shows.
+  EXPECT_FALSE(ReadFile(dir.File("out/in.tag")).empty()) << r.err;
+  // An output "directory" that is a file: the write fails, the table shows.
+  r = RunPelinor(Args({"--out-dir", dir.File("in.tag"), dir.File("in.tag")}),
+                 Env(dir));
   EXPECT_NE(r.status, 0);
   EXPECT_NE(r.err.find("cannot write"), std::string::npos);
 
