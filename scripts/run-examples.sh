@@ -19,6 +19,13 @@ run() {
   echo
 }
 
+out=$(mktemp -d)
+run capture --profile examples/profiles/Invoices.ini \
+  --template examples/templates/AcmeSupplies.tpl --out-dir "$out" \
+  examples/documents/*.tag
+echo "(cleaned tag files written to $out)"
+echo
+
 run registry get HKLM "Pelinor Server" Default HalvernLocale
 run registry get HKLM "Pelinor Server" Default ProfileDir
 run settings get examples/profiles/Invoices.ini Main TemplatesConfig
