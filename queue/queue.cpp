@@ -125,4 +125,9 @@ void cQueue::FilterToExport(std::shared_ptr<cQueue>& QueueOut) const {
       QueueOut);
 }
 
+void cQueueSlots::Clear() {
+  Slots.Clear();
+  Slots = Collection<std::shared_ptr<cQueueSlot>>();
+}
+
 }  // namespace pelinor

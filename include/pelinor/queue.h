@@ -22,6 +22,7 @@
 #include <string>
 
 #include "pelinor/collection.h"
+#include "pelinor/document_data.h"
 #include "pelinor/queue_entry.h"
 
 namespace pelinor {
@@ -140,6 +141,28 @@ class cQueue {
   // level as in PrioritiseOldestLeastProcessed().
   void PrioritiseOldestMostProcessed(std::shared_ptr<cQueue>& QueueOut,
                                      int32_t lTimeMode) const;
+};
+
+// cQueueSlot: one document's data paired with its queue entry while a
+// client works on it. A new slot holds a new document and a new entry; the
+// slot releases both when it goes.
+class cQueueSlot {
+ public:
+  std::shared_ptr<cDocumentData> DocumentData =
+      std::make_shared<cDocumentData>();
+  std::shared_ptr<cQueueEntry> QueueEntry = std::make_shared<cQueueEntry>();
+};
+
+// cQueueSlots: the open slots.
+class cQueueSlots {
+ public:
+  Collection<std::shared_ptr<cQueueSlot>> Slots;
+
+  // Clear()
+  //
+  // Removes every slot, from the last to the first, and starts a new empty
+  // collection.
+  void Clear();
 };
 
 }  // namespace pelinor

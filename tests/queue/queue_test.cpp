@@ -224,3 +224,28 @@ TEST(Queue, FiltersIntoTheQueueItself) {
 
 }  // namespace
 }  // namespace pelinor
+
+namespace pelinor {
+namespace {
+
+TEST(QueueSlots, HoldFreshObjectsAndReleaseThemOnClear) {
+  cQueueSlots slots;
+  auto first = std::make_shared<cQueueSlot>();
+  auto second = std::make_shared<cQueueSlot>();
+  ASSERT_NE(first->DocumentData, nullptr);
+  ASSERT_NE(first->QueueEntry, nullptr);
+  EXPECT_NE(first->QueueEntry, second->QueueEntry);
+  std::weak_ptr<cQueueEntry> entry = first->QueueEntry;
+  std::weak_ptr<cDocumentData> document = first->DocumentData;
+  slots.Slots.Add(first);
+  slots.Slots.Add(second);
+  first.reset();
+  EXPECT_FALSE(entry.expired());
+  slots.Clear();
+  EXPECT_EQ(slots.Slots.Count(), 0);
+  EXPECT_TRUE(entry.expired());
+  EXPECT_TRUE(document.expired());
+}
+
+}  // namespace
+}  // namespace pelinor
