@@ -117,4 +117,4 @@ LineHeader1DataType:300
 LineHeader1PatternMode:0
 LineHeader2Name:Description
 LineHeader2OverrideCount:1
-LineHeader2Pattern:*
+LineHeader2Pattern:##USE_DEFAULT_PROPERTY##
