@@ -6,4 +6,5 @@ set(PELINOR_BENCH_SOURCES
   bench/pattern_bench.cpp
   bench/format_bench.cpp
   bench/template_bench.cpp
+  bench/document_bench.cpp
 )

@@ -1,0 +1,118 @@
+// Document tag files: reading and writing a large document, and the
+// capture of one example invoice (validate and format every field).
+
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "pelinor/document_data.h"
+#include "pelinor/profile.h"
+#include "pelinor/template.h"
+
+namespace {
+
+using pelinor::cDocumentData;
+
+std::string Example(const std::string& name) {
+  return std::string(PELINOR_SOURCE_DIR) + "/examples/" + name;
+}
+
+char generated_path[64];
+
+void RemoveGenerated() { std::remove(generated_path); }
+
+// The example invoice with 2,000 more fields, written once as a tag file.
+const std::string& LargeTagFile() {
+  static const std::string path = [] {
+    std::snprintf(generated_path, sizeof generated_path,
+                  "/tmp/pelinor-bench-document-%ld.tag",
+                  static_cast<long>(getpid()));
+    auto doc = std::make_shared<cDocumentData>();
+    std::string err;
+    doc->ReadSettings(Example("documents/INV0001.tag"), err);
+    for (int i = 0; i < 2000; ++i) {
+      auto field = doc->CreateField();
+      field->Name = "Amount" + std::to_string(i);
+      field->value = "1,234.5" + std::to_string(i % 10);
+      field->Left = 100 + i;
+      field->Top = 200 + i;
+      field->Width = 300;
+      field->Height = 40;
+    }
+    doc->WriteSettings(generated_path, err);
+    std::atexit(RemoveGenerated);
+    return std::string(generated_path);
+  }();
+  return path;
+}
+
+long FileSize(const std::string& path) {
+  FILE* f = std::fopen(path.c_str(), "rb");
+  if (f == nullptr) return 0;
+  std::fseek(f, 0, SEEK_END);
+  long size = std::ftell(f);
+  std::fclose(f);
+  return size;
+}
+
+void BM_TagFileRead(benchmark::State& state) {
+  const std::string& path = LargeTagFile();
+  std::string err;
+  for (auto _ : state) {
+    auto doc = std::make_shared<cDocumentData>();
+    bool ok = doc->ReadSettings(path, err);
+    benchmark::DoNotOptimize(ok);
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
+                          FileSize(path));
+}
+BENCHMARK(BM_TagFileRead)->Unit(benchmark::kMillisecond);
+
+void BM_TagFileWrite(benchmark::State& state) {
+  auto doc = std::make_shared<cDocumentData>();
+  std::string err;
+  doc->ReadSettings(LargeTagFile(), err);
+  const std::string out = LargeTagFile() + ".out";
+  for (auto _ : state) {
+    bool ok = doc->WriteSettings(out, err);
+    benchmark::DoNotOptimize(ok);
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
+                          FileSize(out));
+  std::remove(out.c_str());
+}
+BENCHMARK(BM_TagFileWrite)->Unit(benchmark::kMillisecond);
+
+// Validates and formats every field of the example invoice, as the
+// capture run does, with the example profile, template and registry.
+void BM_CaptureInvoiceFields(benchmark::State& state) {
+  setenv("PELINOR_REGISTRY", Example("registry.reg").c_str(), 1);
+  std::string err;
+  auto profile = std::make_shared<pelinor::cProfile>();
+  profile->ReadSettings("Invoices", Example("profiles/Invoices.ini"), err);
+  auto tpl = std::make_shared<pelinor::cTemplate>();
+  tpl->Profile = profile;
+  tpl->ReadSettings(Example("templates/AcmeSupplies.tpl"), err);
+  auto original = std::make_shared<cDocumentData>();
+  original->ReadSettings(Example("documents/INV0001.tag"), err);
+  std::string log;
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto doc = std::make_shared<cDocumentData>();
+    doc->ReadSettings(Example("documents/INV0001.tag"), err);
+    doc->Profile = profile;
+    doc->Template = tpl;
+    state.ResumeTiming();
+    for (const auto& field : doc->Fields) {
+      if (field->Validate(log)) field->FormatDataValue();
+    }
+  }
+  state.counters["fields"] = static_cast<double>(original->Fields.Count());
+}
+BENCHMARK(BM_CaptureInvoiceFields)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
