@@ -148,23 +148,14 @@ void cTableExtract::Copy(std::shared_ptr<cTableExtract>& Target) const {
   t.PageExtract = PageExtract;
   t.SheetNo = SheetNo;
   t.IgnorePages = IgnorePages;
-  Collection<std::shared_ptr<cAnchorRef>> top, bottom;
-  for (const auto& a : TopAnchorRefs) {
-    if (a != nullptr) top.Add(a->CreateNew());
-  }
-  for (const auto& a : BottomAnchorRefs) {
-    if (a != nullptr) bottom.Add(a->CreateNew());
-  }
-  Collection<std::shared_ptr<cColumnExtract>> columns;
-  for (const auto& c : Columns) {
-    if (c == nullptr) continue;
+  auto anchor = [](const cAnchorRef& a) { return a.CreateNew(); };
+  t.TopAnchorRefs = CopyEach(TopAnchorRefs, anchor);
+  t.BottomAnchorRefs = CopyEach(BottomAnchorRefs, anchor);
+  t.Columns = CopyEach(Columns, [](const cColumnExtract& c) {
     std::shared_ptr<cColumnExtract> copy;
-    c->Copy(copy);
-    columns.Add(copy);
-  }
-  t.TopAnchorRefs = std::move(top);
-  t.BottomAnchorRefs = std::move(bottom);
-  t.Columns = std::move(columns);
+    c.Copy(copy);
+    return copy;
+  });
 }
 
 bool cTableExtract::WriteSettings(TextWriter& hFile, int32_t tabidx,

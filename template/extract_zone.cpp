@@ -255,19 +255,13 @@ void cExtractZones::Copy(std::shared_ptr<cExtractZones>& Target) const {
   t.AutoTemplate = AutoTemplate;
   t.PatternOverride = PatternOverride;
   t.PatternModeOverride = PatternModeOverride;
-  Collection<std::shared_ptr<cAnchorRef>> anchors;
-  for (const auto& a : AnchorRefs) {
-    if (a != nullptr) anchors.Add(a->CreateNew());
-  }
-  Collection<std::shared_ptr<cExtractZone>> zones;
-  for (const auto& z : Zones) {
-    if (z == nullptr) continue;
+  t.AnchorRefs =
+      CopyEach(AnchorRefs, [](const cAnchorRef& a) { return a.CreateNew(); });
+  t.Zones = CopyEach(Zones, [](const cExtractZone& z) {
     std::shared_ptr<cExtractZone> copy;
-    z->Copy(copy);
-    zones.Add(copy);
-  }
-  t.AnchorRefs = std::move(anchors);
-  t.Zones = std::move(zones);
+    z.Copy(copy);
+    return copy;
+  });
 }
 
 std::shared_ptr<cExtractZone> cExtractZones::CreateExtractZone() {

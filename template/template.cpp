@@ -35,11 +35,8 @@ std::shared_ptr<T> AddNew(Collection<std::shared_ptr<T>>& items) {
 template <typename T>
 Collection<std::shared_ptr<T>> CopyPlain(
     const Collection<std::shared_ptr<T>>& items) {
-  Collection<std::shared_ptr<T>> copy;
-  for (const auto& item : items) {
-    if (item != nullptr) copy.Add(std::make_shared<T>(*item));
-  }
-  return copy;
+  return CopyEach(items,
+                  [](const T& item) { return std::make_shared<T>(item); });
 }
 
 }  // namespace
@@ -221,28 +218,19 @@ void cTemplate::Copy(std::shared_ptr<cTemplate>& Target) const {
   t.content_reuse_override_ = content_reuse_override_;
 
   const std::weak_ptr<cTemplate> owner = Target;
-  auto copy_entries =
-      [&owner](const Collection<std::shared_ptr<cExtractZones>>& from) {
-        Collection<std::shared_ptr<cExtractZones>> to;
-        for (const auto& entry : from) {
-          if (entry == nullptr) continue;
-          std::shared_ptr<cExtractZones> copy;
-          entry->Copy(copy);
-          copy->Template = owner;
-          to.Add(copy);
-        }
-        return to;
-      };
-  t.FieldZoneRefs = copy_entries(FieldZoneRefs);
-  t.PseudoFieldZoneRefs = copy_entries(PseudoFieldZoneRefs);
-  Collection<std::shared_ptr<cTableExtract>> tables;
-  for (const auto& table : LineTables) {
-    if (table == nullptr) continue;
+  auto copy_entry = [&owner](const cExtractZones& entry) {
+    std::shared_ptr<cExtractZones> copy;
+    entry.Copy(copy);
+    copy->Template = owner;
+    return copy;
+  };
+  t.FieldZoneRefs = CopyEach(FieldZoneRefs, copy_entry);
+  t.PseudoFieldZoneRefs = CopyEach(PseudoFieldZoneRefs, copy_entry);
+  t.LineTables = CopyEach(LineTables, [](const cTableExtract& table) {
     std::shared_ptr<cTableExtract> copy;
-    table->Copy(copy);
-    tables.Add(copy);
-  }
-  t.LineTables = std::move(tables);
+    table.Copy(copy);
+    return copy;
+  });
   t.DocEndMarks = CopyPlain(DocEndMarks);
   t.ColLineDataRules = CopyPlain(ColLineDataRules);
   t.LineDataConditions = CopyPlain(LineDataConditions);

@@ -12,6 +12,7 @@
 #define PELINOR_COLLECTION_H_
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -150,6 +151,21 @@ class Collection {
   std::vector<std::string> item_keys_;  // empty while no item has a key
   std::unordered_map<std::string, size_t> keys_;
 };
+
+// CopyEach()
+//
+// A new collection holding `make(*item)` for each non-empty item of
+// `items`, in order; keys are not carried over. The way owners copy their
+// children deeply.
+template <typename T, typename Make>
+auto CopyEach(const Collection<std::shared_ptr<T>>& items, Make make) {
+  Collection<decltype(make(std::declval<const T&>()))> out;
+  out.Reserve(items.Count());
+  for (const auto& item : items) {
+    if (item != nullptr) out.Add(make(*item));
+  }
+  return out;
+}
 
 // ClearCollection()
 //

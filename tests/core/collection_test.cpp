@@ -60,5 +60,19 @@ TEST(Collection, ClearReleasesFromLastToFirst) {
   EXPECT_EQ(order, (std::vector<int>{3, 2, 1}));
 }
 
+TEST(Collection, CopyEachMakesNewItemsInOrderSkippingEmptyOnes) {
+  Collection<std::shared_ptr<int>> from;
+  from.Add(std::make_shared<int>(1), "one");
+  from.Add(nullptr);
+  from.Add(std::make_shared<int>(3));
+  auto to = CopyEach(
+      from, [](const int& v) { return std::make_shared<int>(v * 10); });
+  ASSERT_EQ(to.Count(), 2);
+  EXPECT_EQ(*to.Item(1), 10);
+  EXPECT_EQ(*to.Item(2), 30);
+  EXPECT_NE(to.Item(1), from.Item(1));
+  EXPECT_FALSE(to.Contains("one"));
+}
+
 }  // namespace
 }  // namespace pelinor
