@@ -25,7 +25,8 @@ char generated_path[64];
 
 void RemoveGenerated() { std::remove(generated_path); }
 
-// The example invoice with 2,000 more fields, written once as a tag file.
+// A large document written once as a tag file: the example invoice with
+// 10,000 fields and 1,000 line-item rows of 5 cells.
 const std::string& LargeTagFile() {
   static const std::string path = [] {
     std::snprintf(generated_path, sizeof generated_path,
@@ -34,7 +35,7 @@ const std::string& LargeTagFile() {
     auto doc = std::make_shared<cDocumentData>();
     std::string err;
     doc->ReadSettings(Example("documents/INV0001.tag"), err);
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 10000; ++i) {
       auto field = doc->CreateField();
       field->Name = "Amount" + std::to_string(i);
       field->value = "1,234.5" + std::to_string(i % 10);
@@ -42,6 +43,29 @@ const std::string& LargeTagFile() {
       field->Top = 200 + i;
       field->Width = 300;
       field->Height = 40;
+    }
+    static const char* const kColumns[] = {"Code", "Description", "Quantity",
+                                           "Price", "Total"};
+    doc->ClearLineItems();
+    for (int row = 0; row < 1000; ++row) {
+      auto line = doc->CreateLineData();
+      line->Left = 50;
+      line->Top = 1000 + 30 * row;
+      line->Width = 2000;
+      line->Height = 28;
+      for (int col = 0; col < 5; ++col) {
+        auto cell = std::make_shared<pelinor::cLineItemData>();
+        cell->LineData = line;
+        cell->Name = kColumns[col];
+        cell->value = col == 1 ? "Widget, blue, boxed " + std::to_string(row)
+                               : std::to_string(row * 7 + col) + ".50";
+        cell->Left = 50 + 400 * col;
+        cell->Top = line->Top;
+        cell->Width = 380;
+        cell->Height = 28;
+        cell->ColumnIndex = col + 1;
+        line->colLineItemData.Add(cell);
+      }
     }
     doc->WriteSettings(generated_path, err);
     std::atexit(RemoveGenerated);

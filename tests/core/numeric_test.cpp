@@ -45,6 +45,15 @@ TEST(ToLong, RoundsHalfToEvenAndChecksRange) {
       {"1e3", true, 1000},
       {"1e400", false, 0},
       {"abc", false, 0},
+      // Plain digit strings on both sides of the nine-digit boundary.
+      {"999999999", true, 999999999},
+      {"-999999999", true, -999999999},
+      {"000000007", true, 7},
+      {"1000000000", true, 1000000000},
+      {"-0", true, 0},
+      {"-", false, 0},
+      {"", false, 0},
+      {" 12", true, 12},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
