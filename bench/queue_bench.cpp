@@ -6,6 +6,7 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -99,8 +100,22 @@ int64_t FileSize(const std::string& path) {
   return size;
 }
 
+// Reads the queue file into a new queue per iteration, as a server
+// polling its queue does. The first read in a process also pays for the
+// first touch of the memory the entries occupy (about 1 GB here); it is
+// timed separately and reported as first_read_MB/s.
 void BM_QueueRead(benchmark::State& state) {
   const std::string& path = QueueFile();
+  const double bytes = static_cast<double>(FileSize(path));
+  {
+    pelinor::cQueue first;
+    std::string err;
+    const auto start = std::chrono::steady_clock::now();
+    if (!first.ReadSettings(path, err)) state.SkipWithError(err.c_str());
+    const std::chrono::duration<double> took =
+        std::chrono::steady_clock::now() - start;
+    state.counters["first_read_MB/s"] = bytes / took.count() / 1e6;
+  }
   for (auto _ : state) {
     pelinor::cQueue q;
     std::string err;
@@ -110,9 +125,12 @@ void BM_QueueRead(benchmark::State& state) {
     q.QueueEntries.Clear();
     state.ResumeTiming();
   }
-  state.SetBytesProcessed(state.iterations() * FileSize(path));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
 }
-BENCHMARK(BM_QueueRead)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_QueueRead)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(3);
 
 // For reference: the same file read item by item with no entries built,
 // the floor that the item reader sets for BM_QueueRead.

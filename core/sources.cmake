@@ -10,4 +10,5 @@ set(PELINOR_CORE_SOURCES
   core/registry.cpp
   core/reg_file_store.cpp
   core/reg_exp.cpp
+  core/block_arena.cpp
 )

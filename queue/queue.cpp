@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/block_arena.h"
 #include "pelinor/data_parser.h"
 #include "pelinor/file_system.h"
 #include "pelinor/numeric.h"
@@ -79,8 +80,11 @@ bool cQueue::ReadSettings(const std::string& FileName, std::string& strErrMsg) {
     strErrMsg = kQueueFileBadCount;
     return false;
   }
+  // The entries share blocks of memory: a queue holds up to a million of
+  // them, and one allocation each costs more than reading their items.
+  const ArenaAllocator<cQueueEntry> alloc(std::make_shared<BlockArena>());
   for (int32_t i = 0; i < count; ++i) {
-    auto entry = std::make_shared<cQueueEntry>();
+    auto entry = std::allocate_shared<cQueueEntry>(alloc);
     if (!entry->ReadEntry(file, version, strErrMsg)) return false;
     QueueEntries.Add(std::move(entry));
   }

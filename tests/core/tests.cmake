@@ -7,6 +7,7 @@ pelinor_add_tests(core
   tests/core/date_text_test.cpp
   tests/core/data_parser_test.cpp
   tests/core/file_system_test.cpp
+  tests/core/block_arena_test.cpp
 )
 pelinor_add_tests(ini_file tests/core/ini_file_test.cpp)
 pelinor_add_tests(registry tests/core/registry_test.cpp)
