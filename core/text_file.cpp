@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -60,6 +61,7 @@ TextReader& TextReader::operator=(TextReader&& other) noexcept {
   map_size_ = other.map_size_;
   data_ = owned ? std::string_view(owned_) : other.data_;
   pos_ = other.pos_;
+  has_nuls_ = other.has_nuls_;
   open_ = other.open_;
   other.map_ = nullptr;
   other.map_size_ = 0;
@@ -90,6 +92,7 @@ bool TextReader::Open(const std::string& path) {
       map_ = p;
       map_size_ = size;
       data_ = std::string_view(static_cast<const char*>(p), size);
+      has_nuls_ = std::memchr(p, '\0', size) != nullptr;
       pos_ = 0;
       lf_cached_ = false;
       open_ = true;
@@ -129,6 +132,7 @@ void TextReader::OpenText(std::string data) {
   Close();
   owned_ = std::move(data);
   data_ = owned_;
+  has_nuls_ = std::memchr(data_.data(), '\0', data_.size()) != nullptr;
   pos_ = 0;
   lf_cached_ = false;
   open_ = true;
@@ -143,6 +147,7 @@ void TextReader::Close() {
   owned_.clear();
   owned_.shrink_to_fit();
   data_ = {};
+  has_nuls_ = false;
   pos_ = 0;
   lf_cached_ = false;
   open_ = false;
@@ -192,10 +197,16 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
   while (pos_ < size && (base[pos_] == ' ' || base[pos_] == '\t')) ++pos_;
   quoted = pos_ < size && base[pos_] == '"';
   if (quoted) {
-    size_t start = pos_ + 1;
-    const void* q = std::memchr(base + start, '"', size - start);
-    size_t end =
-        q ? static_cast<size_t>(static_cast<const char*>(q) - base) : size;
+    const size_t start = pos_ + 1;
+    // Most items are short: look at their bytes directly before handing a
+    // long one to memchr.
+    size_t end = start;
+    const size_t quick = std::min(size, start + 32);
+    while (end < quick && base[end] != '"') ++end;
+    if (end == quick && end < size) {
+      const void* q = std::memchr(base + end, '"', size - end);
+      end = q ? static_cast<size_t>(static_cast<const char*>(q) - base) : size;
+    }
     item.assign(base + start, end - start);
     pos_ = end < size ? end + 1 : size;
     while (pos_ < size && (base[pos_] == ' ' || base[pos_] == '\t')) ++pos_;
@@ -219,7 +230,7 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
       SkipLineEnd();
     }
   }
-  DropNuls(item);
+  if (has_nuls_) DropNuls(item);
   return true;
 }
 

@@ -131,6 +131,7 @@ class TextReader {
   std::string scratch_;  // reused by the typed reads
   size_t next_lf_ = 0;   // the next LF at or after pos_, when lf_cached_
   bool lf_cached_ = false;
+  bool has_nuls_ = false;  // whether DropNuls() has anything to do
   bool open_ = false;
 };
 
