@@ -89,7 +89,7 @@ std::string_view TrimBlanks(std::string_view s) {
 }
 
 size_t InStr(size_t start, std::string_view hay, std::string_view needle) {
-  if (start < 1 || start > hay.size() + 1) return 0;
+  if (start < 1 || start > hay.size()) return 0;
   size_t at = hay.find(needle, start - 1);
   return at == std::string_view::npos ? 0 : at + 1;
 }

@@ -58,8 +58,9 @@ std::string_view TrimBlanks(std::string_view s);
 // InStr()
 //
 // Finds `needle` in `hay` at or after the one-based position `start` and
-// returns its one-based position, or 0 when absent. An empty `needle` is
-// found at `start` when `start` <= length + 1.
+// returns its one-based position, or 0 when absent. Nothing is found in an
+// empty `hay` or from a `start` past its end; otherwise an empty `needle`
+// is found at `start`.
 // REQUIRES: start >= 1.
 size_t InStr(size_t start, std::string_view hay, std::string_view needle);
 

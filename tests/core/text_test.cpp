@@ -63,7 +63,10 @@ TEST(InStr, UsesOneBasedPositions) {
   EXPECT_EQ(InStr(3, "abcabc", "bc"), 5u);
   EXPECT_EQ(InStr(6, "abcabc", "bc"), 0u);
   EXPECT_EQ(InStr(1, "abc", ""), 1u);
-  EXPECT_EQ(InStr(4, "abc", ""), 4u);
+  EXPECT_EQ(InStr(3, "abc", ""), 3u);
+  // Past the end, and in an empty text, nothing is found, not even "".
+  EXPECT_EQ(InStr(4, "abc", ""), 0u);
+  EXPECT_EQ(InStr(1, "", ""), 0u);
   EXPECT_EQ(InStr(5, "abc", "c"), 0u);
   EXPECT_EQ(Mid("abcdef", 2, 3), "bcd");
   EXPECT_EQ(Mid("abcdef", 5), "ef");

@@ -1,0 +1,120 @@
+ver0.946
+ACME SUPPLIES LTD INVOICE
+1
+Mono 300 dpi, duplex
+Invoices
+TemplateIDDatumX:1840
+TemplateIDDatumY:120
+UserData:Acme Supplies, account AC-0042
+UserDataPrimary:1
+ExtractType:1
+Disambiguate:0
+LineLevel:1
+OCRAllPages:1
+FlattenDuplex:1
+DocEndMark:Carried forward:160:3050
+DocEndMarkInclusive:0
+DocEndMarkSideMode:0
+ExpectedAttachments:1
+User:jbloggs
+LastModified:2026-11-02 09:15:00
+FieldCount:4
+Field1FieldName:InvoiceNumber
+Field1AnchorRef:Invoice No
+Field1OverrideCount:2
+Field1Type:1
+Field1Pattern:INV-000000
+Field1AutoTemplate:1
+Field1ZoneCount:1
+Field1Zone1Left:1650
+Field1Zone1Top:410
+Field1Zone1Width:520
+Field1Zone1Height:70
+Field2FieldName:InvoiceDate
+Field2AnchorRef:
+Field2OverrideCount:1
+Field2Type:101
+Field2AutoTemplate:1
+Field2ZoneCount:2
+Field2Zone1Left:1650
+Field2Zone1Top:500
+Field2Zone1Width:520
+Field2Zone1Height:70
+Field2Zone2Left:1650
+Field2Zone2Top:590
+Field2Zone2Width:520
+Field2Zone2Height:70
+Field3FieldName:TotalAmount
+Field3AnchorRef:Total due
+Field3OverrideCount:1
+Field3Location:-6
+Field3AutoTemplate:0
+Field3ZoneCount:1
+Field3Zone1Left:1900
+Field3Zone1Top:2900
+Field3Zone1Width:400
+Field3Zone1Height:80
+Field4FieldName:VATNumber
+Field4AnchorRef:
+Field4OverrideCount:1
+Field4PatternMode:0
+Field4AutoTemplate:1
+Field4ZoneCount:1
+Field4Zone1Left:200
+Field4Zone1Top:3200
+Field4Zone1Width:700
+Field4Zone1Height:60
+PseudoFieldCount:1
+Field1FieldName:SupplierId
+Field1CaptionSearch:Account ref
+Field1Location:0
+Field1ZoneCount:1
+Field1Zone1Left:200
+Field1Zone1Top:700
+Field1Zone1Width:600
+Field1Zone1Height:60
+LineTableCount:1
+Table1Left:120
+Table1Top:950
+Table1Width:2200
+Table1Height:1800
+Table1TopAnchorRef:Description:130:900
+Table1BottomAnchorRef:Sub-total:1600:2780
+Table1Location:ALL
+Table1PageExtract:1
+Table1IgnorePagesCount:1
+Table1IgnorePage 1:3
+Table1SheetNo:1
+Table1ColsCount:3
+Table1Col1Left:120
+Table1Col1Width:1300
+Table1Col1Name:Description
+Table1Col2Left:1420
+Table1Col2Width:300
+Table1Col2Name:Quantity
+Table1Col3Left:1720
+Table1Col3Width:600
+Table1Col3Name:UnitPrice
+LineLevelRules:1
+DataPropagateFrom1:Description
+DataPropagateTo1:Description
+DataPropagateRows1:NEXT
+LineDataPartition:0
+LineDataDiscardStart:0
+LineDataDiscardEnd:1
+LineDataEntitySpaceMax:120
+LineDataRowSpaceMax:60
+LineLevelStartExpr:1
+Expr1:Quantity:NOT EMPTY
+LineLevelEndExpr:1
+Expr1:Description:=:Carried forward
+LineLevelRptExpr:1
+Expr1:UnitPrice:EMPTY
+LineHeaderCount:2
+LineHeader1Name:Quantity
+LineHeader1OverrideCount:2
+LineHeader1DataType:300
+LineHeader1PatternMode:0
+LineHeader2Name:Description
+LineHeader2OverrideCount:1
+LineHeader2Pattern:##USE_DEFAULT_PROPERTY##
