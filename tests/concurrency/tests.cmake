@@ -1,0 +1,1 @@
+pelinor_add_tests(concurrency tests/concurrency/concurrency_test.cpp)

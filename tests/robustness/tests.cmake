@@ -1,0 +1,1 @@
+pelinor_add_tests(limits tests/robustness/limits_test.cpp)
