@@ -1,7 +1,11 @@
 #!/usr/bin/env bash
-# Builds with warnings as errors and runs every test, checks that clang
-# builds the library and the program without warnings too, then builds and
-# runs every test again under AddressSanitizer and UBSan.
+# The full check, as CI runs it:
+#  1. g++ release build with warnings as errors; every test, including the
+#     replay of each fuzz target's corpus and past findings.
+#  2. clang build with warnings as errors, AddressSanitizer, UBSan, libFuzzer
+#     and line coverage: every test again, a short fuzzing run of every
+#     target, then the library's line coverage.
+#  3. ThreadSanitizer build of the concurrency test.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -11,10 +15,16 @@ cmake --preset release -DPELINOR_WERROR=ON
 cmake --build --preset release -j "$jobs"
 ctest --preset release -j "$jobs"
 
-CXX=clang++ cmake -S . -B build/clang -G Ninja -DCMAKE_BUILD_TYPE=Release \
-  -DPELINOR_WERROR=ON -DPELINOR_BUILD_TESTS=OFF -DPELINOR_BUILD_BENCH=OFF
-cmake --build build/clang -j "$jobs"
+build=build/clang-ci
+cmake --preset clang-ci -DPELINOR_WERROR=ON
+cmake --build --preset clang-ci -j "$jobs"
+rm -rf "$build/profiles" "$build/corpus" "$build/findings"
+export LLVM_PROFILE_FILE="$PWD/$build/profiles/%p-%m.profraw"
+ctest --preset clang-ci -j "$jobs"
+scripts/fuzz.sh -b "$build" -j "$jobs" 4
+unset LLVM_PROFILE_FILE
+scripts/coverage.sh "$build"
 
-cmake --preset asan -DPELINOR_WERROR=ON
-cmake --build --preset asan -j "$jobs"
-ctest --preset asan -j "$jobs"
+cmake --preset tsan -DPELINOR_WERROR=ON
+cmake --build build/tsan -j "$jobs" --target concurrency_tests
+ctest --preset tsan -R concurrency
