@@ -1,5 +1,5 @@
 // Document tag files: any file the reader accepts writes, reads and writes
-// again unchanged.
+// again unchanged, unless its profile name is one the format cannot carry.
 
 #include <cstdint>
 #include <memory>
@@ -8,6 +8,20 @@
 #include "fuzz_util.h"
 #include "pelinor/document_data.h"
 #include "pelinor/text_file.h"
+
+namespace {
+
+// The profile name is written as a bare line and read back as one item, so
+// a comma, a line end, a leading blank or quote, or a trailing space does
+// not survive the trip.
+bool Writable(const pelinor::cDocumentData& doc) {
+  const std::string& name = doc.ProfileName;
+  if (name.find_first_of(",\r\n") != std::string::npos) return false;
+  return name.empty() || (name.front() != ' ' && name.front() != '\t' &&
+                          name.front() != '"' && name.back() != ' ');
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
@@ -25,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       "document-out", path,
       [&](const std::string& file) {
         doc = std::make_shared<pelinor::cDocumentData>();
-        return doc->ReadSettings(file, err);
+        return doc->ReadSettings(file, err) && Writable(*doc);
       },
       [&](const std::string& file) { return doc->WriteSettings(file, err); });
   return 0;
