@@ -194,7 +194,9 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
   const size_t size = data_.size();
   if (pos_ >= size) return false;
   const char* base = data_.data();
-  while (pos_ < size && (base[pos_] == ' ' || base[pos_] == '\t')) ++pos_;
+  // NUL bytes read as if they were not there, here as around the item.
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\0'; };
+  while (pos_ < size && blank(base[pos_])) ++pos_;
   quoted = pos_ < size && base[pos_] == '"';
   if (quoted) {
     const size_t start = pos_ + 1;
@@ -209,7 +211,7 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
     }
     item.assign(base + start, end - start);
     pos_ = end < size ? end + 1 : size;
-    while (pos_ < size && (base[pos_] == ' ' || base[pos_] == '\t')) ++pos_;
+    while (pos_ < size && blank(base[pos_])) ++pos_;
     if (pos_ < size && base[pos_] == ',') {
       ++pos_;
     } else {
@@ -221,7 +223,10 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
       ++end;
     }
     size_t trimmed = end;
-    while (trimmed > pos_ && base[trimmed - 1] == ' ') --trimmed;
+    while (trimmed > pos_ &&
+           (base[trimmed - 1] == ' ' || base[trimmed - 1] == '\0')) {
+      --trimmed;
+    }
     item.assign(base + pos_, trimmed - pos_);
     pos_ = end;
     if (pos_ < size && base[pos_] == ',') {

@@ -73,6 +73,9 @@ TEST(TextReader, ReadsItems) {
       {"\"open", {"open"}},
       {"a,", {"a"}},
       {std::string("a\0b,c", 5), {"ab", "c"}},
+      // NUL bytes count for nothing, also where blanks or quotes matter.
+      {std::string("\0 300\0 ,x", 9), {"300", "x"}},
+      {std::string("\0\"q,r\"\0,y", 9), {"q,r", "y"}},
       {"tab\t,x\n", {"tab\t", "x"}},
   };
   for (const Case& c : cases) {
