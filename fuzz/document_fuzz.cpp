@@ -1,5 +1,8 @@
 // Document tag files: any file the reader accepts writes, reads and writes
-// again unchanged, unless its profile name is one the format cannot carry.
+// again unchanged. Texts read as items and written as lines (the profile
+// name, field and cell names) cannot carry a comma or a line end, which only
+// a double quote in the file can put there, so the round trip is checked
+// for files without one.
 
 #include <cstdint>
 #include <memory>
@@ -8,20 +11,6 @@
 #include "fuzz_util.h"
 #include "pelinor/document_data.h"
 #include "pelinor/text_file.h"
-
-namespace {
-
-// The profile name is written as a bare line and read back as one item, so
-// a comma, a line end, a leading blank or quote, or a trailing space does
-// not survive the trip.
-bool Writable(const pelinor::cDocumentData& doc) {
-  const std::string& name = doc.ProfileName;
-  if (name.find_first_of(",\r\n") != std::string::npos) return false;
-  return name.empty() || (name.front() != ' ' && name.front() != '\t' &&
-                          name.front() != '"' && name.back() != ' ');
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
@@ -34,12 +23,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     reader.OpenText(bytes);
     in_memory->ReadSettings(reader, err);
   }
+  if (bytes.find('"') != std::string::npos) return 0;
   const std::string path = pelinor::fuzz::WriteScratch("document.tag", bytes);
   pelinor::fuzz::CheckRoundTrip(
       "document-out", path,
       [&](const std::string& file) {
         doc = std::make_shared<pelinor::cDocumentData>();
-        return doc->ReadSettings(file, err) && Writable(*doc);
+        return doc->ReadSettings(file, err);
       },
       [&](const std::string& file) { return doc->WriteSettings(file, err); });
   return 0;
