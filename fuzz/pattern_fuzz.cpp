@@ -1,5 +1,5 @@
 // Pattern specifications and the texts evaluated against them. The first
-// byte holds the evaluation flags; then come the specification and the
+// byte holds the evaluation flags; then come the pattern and the
 // text, separated by a NUL byte.
 
 #include <cstdint>
