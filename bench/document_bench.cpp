@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -74,13 +75,9 @@ const std::string& LargeTagFile() {
   return path;
 }
 
-long FileSize(const std::string& path) {
-  FILE* f = std::fopen(path.c_str(), "rb");
-  if (f == nullptr) return 0;
-  std::fseek(f, 0, SEEK_END);
-  long size = std::ftell(f);
-  std::fclose(f);
-  return size;
+// The size of a file the benchmark wrote itself.
+int64_t FileSize(const std::string& path) {
+  return static_cast<int64_t>(std::filesystem::file_size(path));
 }
 
 void BM_TagFileRead(benchmark::State& state) {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <random>
 #include <string>
@@ -91,13 +92,9 @@ const std::string& QueueFile() {
   return path;
 }
 
+// The size of a file the benchmark wrote itself.
 int64_t FileSize(const std::string& path) {
-  std::FILE* f = std::fopen(path.c_str(), "rb");
-  if (f == nullptr) return 0;
-  std::fseek(f, 0, SEEK_END);
-  const long size = std::ftell(f);
-  std::fclose(f);
-  return size;
+  return static_cast<int64_t>(std::filesystem::file_size(path));
 }
 
 // Reads the queue file into a new queue per iteration, as a server
