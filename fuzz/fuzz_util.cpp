@@ -19,7 +19,10 @@ std::set<std::string>& Created() {
 }
 
 void RemoveCreated() {
-  for (const std::string& path : Created()) std::remove(path.c_str());
+  for (const std::string& path : Created()) {
+    std::remove(path.c_str());
+    std::remove((path + ".lock").c_str());  // left by the registry store
+  }
 }
 
 std::string ScratchDir() {
