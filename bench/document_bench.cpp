@@ -33,7 +33,7 @@ const std::string& LargeTagFile() {
     std::snprintf(generated_path, sizeof generated_path,
                   "/tmp/pelinor-bench-document-%ld.tag",
                   static_cast<long>(getpid()));
-    auto doc = std::make_shared<cDocumentData>();
+    auto doc = cDocumentData::New();
     std::string err;
     doc->ReadSettings(Example("documents/INV0001.tag"), err);
     for (int i = 0; i < 10000; ++i) {
@@ -84,7 +84,7 @@ void BM_TagFileRead(benchmark::State& state) {
   const std::string& path = LargeTagFile();
   std::string err;
   for (auto _ : state) {
-    auto doc = std::make_shared<cDocumentData>();
+    auto doc = cDocumentData::New();
     bool ok = doc->ReadSettings(path, err);
     benchmark::DoNotOptimize(ok);
   }
@@ -94,7 +94,7 @@ void BM_TagFileRead(benchmark::State& state) {
 BENCHMARK(BM_TagFileRead)->Unit(benchmark::kMillisecond);
 
 void BM_TagFileWrite(benchmark::State& state) {
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   std::string err;
   doc->ReadSettings(LargeTagFile(), err);
   const std::string out = LargeTagFile() + ".out";
@@ -115,15 +115,15 @@ void BM_CaptureInvoiceFields(benchmark::State& state) {
   std::string err;
   auto profile = std::make_shared<pelinor::cProfile>();
   profile->ReadSettings("Invoices", Example("profiles/Invoices.ini"), err);
-  auto tpl = std::make_shared<pelinor::cTemplate>();
+  auto tpl = pelinor::cTemplate::New();
   tpl->Profile = profile;
   tpl->ReadSettings(Example("templates/AcmeSupplies.tpl"), err);
-  auto original = std::make_shared<cDocumentData>();
+  auto original = cDocumentData::New();
   original->ReadSettings(Example("documents/INV0001.tag"), err);
   std::string log;
   for (auto _ : state) {
     state.PauseTiming();
-    auto doc = std::make_shared<cDocumentData>();
+    auto doc = cDocumentData::New();
     doc->ReadSettings(Example("documents/INV0001.tag"), err);
     doc->Profile = profile;
     doc->Template = tpl;

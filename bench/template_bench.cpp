@@ -19,7 +19,7 @@
 namespace {
 
 std::shared_ptr<pelinor::cTemplate> LargeTemplate(int fields, int tables) {
-  auto t = std::make_shared<pelinor::cTemplate>();
+  auto t = pelinor::cTemplate::New();
   t->TemplateIdentifier = "LARGE SUPPLIER INVOICE";
   t->PelinorProfile = "Invoices";
   t->FlattenDuplex(1);
@@ -91,7 +91,7 @@ void BM_TemplateReadSettings(benchmark::State& state) {
   std::string err;
   LargeTemplate(static_cast<int>(state.range(0)), 20)->WriteSettings(path, err);
   for (auto _ : state) {
-    auto t = std::make_shared<pelinor::cTemplate>();
+    auto t = pelinor::cTemplate::New();
     if (!t->ReadSettings(path, err)) state.SkipWithError(err.c_str());
     benchmark::DoNotOptimize(t->FieldZoneRefs.Count());
   }

@@ -224,7 +224,7 @@ void RunCapture(const Options& opts) {
     Fail(err);
     return;
   }
-  auto tpl = std::make_shared<cTemplate>();
+  auto tpl = cTemplate::New();
   tpl->Profile = profile;
   if (!tpl->ReadSettings(FromUtf8(opts.tpl), err)) {
     Fail(err);
@@ -236,7 +236,7 @@ void RunCapture(const Options& opts) {
   size_t done = 0;
   for (const std::string& typed : opts.files) {
     const std::string file = FromUtf8(typed);
-    auto doc = std::make_shared<cDocumentData>();
+    auto doc = cDocumentData::New();
     if (!doc->ReadSettings(file, err)) {
       Fail(file + ": " + err);
       if (opts.json)
@@ -294,7 +294,7 @@ struct DocOptions {
 // Reads the tag file with the profile and template given, if any.
 std::shared_ptr<cDocumentData> LoadDocument(const DocOptions& opts) {
   std::string err;
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   if (!opts.profile.empty()) {
     doc->Profile = std::make_shared<cProfile>();
     const std::string file = FromUtf8(opts.profile);
@@ -304,7 +304,7 @@ std::shared_ptr<cDocumentData> LoadDocument(const DocOptions& opts) {
     }
   }
   if (!opts.tpl.empty()) {
-    doc->Template = std::make_shared<cTemplate>();
+    doc->Template = cTemplate::New();
     doc->Template->Profile = doc->Profile;
     if (!doc->Template->ReadSettings(FromUtf8(opts.tpl), err)) {
       Fail(err);

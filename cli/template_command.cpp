@@ -224,7 +224,7 @@ bool SetProfile(const Options& opts, cTemplate& t) {
 }
 
 void RunShow(const Options& opts) {
-  auto t = std::make_shared<cTemplate>();
+  auto t = cTemplate::New();
   if (!SetProfile(opts, *t) || !ReadTemplate(opts.file, *t)) return;
   const json described = Describe(*t);
   if (opts.json) {
@@ -236,7 +236,7 @@ void RunShow(const Options& opts) {
 }
 
 void RunUpgrade(const Options& opts) {
-  auto t = std::make_shared<cTemplate>();
+  auto t = cTemplate::New();
   if (!SetProfile(opts, *t) || !ReadTemplate(opts.file, *t)) return;
   if (t->Profile != nullptr) {
     // The current form stores these switches; an older file inherited

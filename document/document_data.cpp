@@ -143,7 +143,7 @@ bool cDocumentData::ReadSettings(TextReader& in, std::string& strErrMsg) {
     int32_t columns = 0;
     if (!read_count(n) || !read_count(columns)) return fail();
     for (int32_t i = 1; i <= n; ++i) {
-      auto row = std::make_shared<cLineData>();
+      auto row = cLineData::New();
       row->Document = self;
       if (!row->ReadSettings(i, columns, in, strErrMsg, ver_line)) {
         return fail();
@@ -189,14 +189,14 @@ std::shared_ptr<cFieldData> cDocumentData::CreateDocEndMark() {
 }
 
 std::shared_ptr<cLineData> cDocumentData::CreateLineData() {
-  auto row = std::make_shared<cLineData>();
+  auto row = cLineData::New();
   row->Document = weak_from_this();
   LineData.Add(row);
   return row;
 }
 
 std::shared_ptr<cLineData> cDocumentData::CreateLineEntryRow() {
-  LineEntryRow = std::make_shared<cLineData>();
+  LineEntryRow = cLineData::New();
   LineEntryRow->Document = weak_from_this();
   return LineEntryRow;
 }
@@ -253,7 +253,7 @@ bool cDocumentData::FindDocEndMark(
 // ---------------------------------------------------------------------------
 
 void cDocumentData::Copy(std::shared_ptr<cDocumentData>& Target) const {
-  if (!Target) Target = std::make_shared<cDocumentData>();
+  if (!Target) Target = cDocumentData::New();
   cDocumentData& t = *Target;
   t.Status = Status;
   t.StatusMessage = StatusMessage;

@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string err;
   {
     // The reader over memory, as a caller holding the text would use it.
-    auto in_memory = std::make_shared<pelinor::cDocumentData>();
+    auto in_memory = pelinor::cDocumentData::New();
     pelinor::TextReader reader;
     reader.OpenText(bytes);
     in_memory->ReadSettings(reader, err);
@@ -28,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   pelinor::fuzz::CheckRoundTrip(
       "document-out", path,
       [&](const std::string& file) {
-        doc = std::make_shared<pelinor::cDocumentData>();
+        doc = pelinor::cDocumentData::New();
         return doc->ReadSettings(file, err);
       },
       [&](const std::string& file) { return doc->WriteSettings(file, err); });

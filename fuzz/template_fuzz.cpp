@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::shared_ptr<pelinor::cTemplate> tpl;
   std::string err;
   const auto read = [&](const std::string& file) {
-    tpl = std::make_shared<pelinor::cTemplate>();
+    tpl = pelinor::cTemplate::New();
     return tpl->ReadSettings(file, err);
   };
   if (bytes.find('"') != std::string::npos) {

@@ -185,7 +185,7 @@ std::shared_ptr<cExpression> cTemplate::CreateLineDataRptCondition() {
 }
 
 void cTemplate::Copy(std::shared_ptr<cTemplate>& Target) const {
-  if (Target == nullptr) Target = std::make_shared<cTemplate>();
+  if (Target == nullptr) Target = cTemplate::New();
   if (Target.get() == this) return;
   cTemplate& t = *Target;
   t.Version = Version;

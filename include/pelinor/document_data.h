@@ -4,7 +4,7 @@
 //
 // Ownership: the document owns its fields, rows and line headers through
 // std::shared_ptr; they point back to it with std::weak_ptr, so create the
-// document with std::make_shared before calling Create...(). `Profile` and
+// document with cDocumentData::New() before calling Create...(). `Profile` and
 // `Template` are shared, not owned, and never stored in the file.
 //
 // Thread safety: an object is used by one thread at a time.
@@ -26,7 +26,23 @@
 namespace pelinor {
 
 class cDocumentData : public std::enable_shared_from_this<cDocumentData> {
+  struct PrivateTag {
+    explicit PrivateTag() = default;
+  };
+
  public:
+  // New()
+  //
+  // Makes an empty document. Its children point back to it through
+  // std::weak_ptr, so a document exists only behind std::shared_ptr: it
+  // cannot be made on the stack or copied.
+  static std::shared_ptr<cDocumentData> New() {
+    return std::make_shared<cDocumentData>(PrivateTag{});
+  }
+  explicit cDocumentData(PrivateTag) {}
+  cDocumentData(const cDocumentData&) = delete;
+  cDocumentData& operator=(const cDocumentData&) = delete;
+
   int32_t Status = 0;
   std::string StatusMessage;
   std::string ProfileName;

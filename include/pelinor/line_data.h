@@ -89,7 +89,23 @@ class cLineItemData {
 };
 
 class cLineData : public std::enable_shared_from_this<cLineData> {
+  struct PrivateTag {
+    explicit PrivateTag() = default;
+  };
+
  public:
+  // New()
+  //
+  // Makes an empty row. Its children point back to it through
+  // std::weak_ptr, so a row exists only behind std::shared_ptr: it
+  // cannot be made on the stack or copied.
+  static std::shared_ptr<cLineData> New() {
+    return std::make_shared<cLineData>(PrivateTag{});
+  }
+  explicit cLineData(PrivateTag) {}
+  cLineData(const cLineData&) = delete;
+  cLineData& operator=(const cLineData&) = delete;
+
   std::weak_ptr<cDocumentData> Document;
   int32_t Status = 0;
   std::string StatusMessage;

@@ -149,7 +149,7 @@ class cQueue {
 class cQueueSlot {
  public:
   std::shared_ptr<cDocumentData> DocumentData =
-      std::make_shared<cDocumentData>();
+      cDocumentData::New();
   std::shared_ptr<cQueueEntry> QueueEntry = std::make_shared<cQueueEntry>();
 };
 

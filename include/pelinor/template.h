@@ -47,7 +47,23 @@
 namespace pelinor {
 
 class cTemplate : public std::enable_shared_from_this<cTemplate> {
+  struct PrivateTag {
+    explicit PrivateTag() = default;
+  };
+
  public:
+  // New()
+  //
+  // Makes an empty template. Its children point back to it through
+  // std::weak_ptr, so a template exists only behind std::shared_ptr: it
+  // cannot be made on the stack or copied.
+  static std::shared_ptr<cTemplate> New() {
+    return std::make_shared<cTemplate>(PrivateTag{});
+  }
+  explicit cTemplate(PrivateTag) {}
+  cTemplate(const cTemplate&) = delete;
+  cTemplate& operator=(const cTemplate&) = delete;
+
   Collection<std::shared_ptr<cLineHdrType>> LineHeaders;
   std::string Version;  // the version of the file read, as decimal text
   std::shared_ptr<cProfile> Profile;  // source of inherited values

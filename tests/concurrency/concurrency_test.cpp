@@ -47,7 +47,7 @@ struct Version {
 constexpr Version kVersions[] = {{40, 'a', 100}, {75, 'b', 160}};
 
 void WriteDocument(const std::string& path, const Version& v) {
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   for (int i = 0; i < v.fields; ++i) {
     auto field = doc->CreateField();
     field->Name = "Field" + std::to_string(i);
@@ -111,7 +111,7 @@ TEST(Concurrency, ReadersSeeAWholeOldOrNewFile) {
   for (;;) {
     int status = 0;
     const bool done = waitpid(writer, &status, WNOHANG) == writer;
-    auto doc = std::make_shared<cDocumentData>();
+    auto doc = cDocumentData::New();
     std::string err;
     ASSERT_TRUE(doc->ReadSettings(tag, err)) << err;
     const int fields = doc->Fields.Count();

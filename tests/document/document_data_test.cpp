@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 
 #include "pelinor/file_system.h"
 #include "test_util.h"
@@ -63,7 +64,7 @@ void AddRow(cDocumentData& doc, int32_t status, const std::string& message,
 
 // The document held by tests/data/document/complete.tag.
 std::shared_ptr<cDocumentData> CompleteDocument() {
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   doc->Status = 1;
   doc->StatusMessage = "Field TotalAmount: amount expected";
   doc->ProfileName = "Invoices";
@@ -85,6 +86,16 @@ std::shared_ptr<cDocumentData> CompleteDocument() {
   return doc;
 }
 
+// Owners whose children hold weak back references cannot exist outside a
+// std::shared_ptr: on the stack or as a copy their children would lose them.
+template <typename T>
+constexpr bool kOnlyShared =
+    !std::is_default_constructible_v<T> && !std::is_copy_constructible_v<T> &&
+    !std::is_copy_assignable_v<T>;
+static_assert(kOnlyShared<cDocumentData>);
+static_assert(kOnlyShared<cTemplate>);
+static_assert(kOnlyShared<cLineData>);
+
 TEST(DocumentData, WritesTheGoldenTagFileAndReadsItBack) {
   TempDir dir;
   const std::string golden = ReadFile(DataPath("document/complete.tag"));
@@ -94,7 +105,7 @@ TEST(DocumentData, WritesTheGoldenTagFileAndReadsItBack) {
   EXPECT_EQ(err, "");
   EXPECT_EQ(ReadFile(dir.File("a.tag")), golden);
 
-  auto back = std::make_shared<cDocumentData>();
+  auto back = cDocumentData::New();
   ASSERT_TRUE(back->ReadSettings(DataPath("document/complete.tag"), err))
       << err;
   EXPECT_EQ(back->Fields.Item(2)->value, "1,234.50");
@@ -109,14 +120,13 @@ TEST(DocumentData, WritesTheGoldenTagFileAndReadsItBack) {
 TEST(DocumentData, EmptyDocumentWritesEveryCount) {
   TempDir dir;
   std::string err;
-  ASSERT_TRUE(
-      std::make_shared<cDocumentData>()->WriteSettings(dir.File("e.tag"), err));
+  ASSERT_TRUE(cDocumentData::New()->WriteSettings(dir.File("e.tag"), err));
   EXPECT_EQ(ReadFile(dir.File("e.tag")),
             "ver0.946\r\nDocStatus:0\r\nDocMessage:\r\n\r\nLastSheetIndex:0\r\n"
             "FieldsCount:0\r\nPseudoFieldsCount:0\r\nLLAnchorCount:0\r\n"
             "DocEndMarksCount:0\r\nLineCount:0\r\nColumnCount:0\r\n");
-  EXPECT_FALSE(std::make_shared<cDocumentData>()->WriteSettings(
-      dir.File("missing/e.tag"), err));
+  EXPECT_FALSE(
+      cDocumentData::New()->WriteSettings(dir.File("missing/e.tag"), err));
   EXPECT_FALSE(FileExists(dir.File("missing/e.tag")));
 }
 
@@ -154,7 +164,7 @@ TEST(DocumentData, ReadsByVersionGate) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    auto doc = std::make_shared<cDocumentData>();
+    auto doc = cDocumentData::New();
     TextReader in;
     in.OpenText(c.text);
     std::string err;
@@ -195,7 +205,7 @@ TEST(DocumentData, AnswersMalformedFilesWithTheirMessage) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    auto doc = std::make_shared<cDocumentData>();
+    auto doc = cDocumentData::New();
     TextReader in;
     in.OpenText(c.text);
     std::string err;
@@ -204,13 +214,12 @@ TEST(DocumentData, AnswersMalformedFilesWithTheirMessage) {
     EXPECT_EQ(doc->Fields.Count(), c.fields);
   }
   std::string err;
-  EXPECT_FALSE(
-      std::make_shared<cDocumentData>()->ReadSettings("/nonexistent/x", err));
+  EXPECT_FALSE(cDocumentData::New()->ReadSettings("/nonexistent/x", err));
   EXPECT_EQ(err, kReadError);
 }
 
 TEST(DocumentData, FindsByNameAndLocation) {
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   AddField(*doc, 0, "Total", "1", 1, 0, 0, 0, 0);
   AddField(*doc, 0, "TOTAL", "2", 1, 0, 0, 0, 0);
   AddField(*doc, 1, "Ref", "3", 1, 0, 0, 0, 0);
@@ -285,7 +294,7 @@ TEST(DocumentData, UpdatesLineHeadersFromProfileAndTemplate) {
     h->PtnMode = 1;
     profile->LineItemHdrs.Add(h);
   }
-  auto tpl = std::make_shared<cTemplate>();
+  auto tpl = cTemplate::New();
   auto over = tpl->CreateLineHeader();
   over->Name = "quantity";
   over->DataType = 2;
@@ -300,7 +309,7 @@ TEST(DocumentData, UpdatesLineHeadersFromProfileAndTemplate) {
   } cases[] = {{1, "Description", 1, "000"},
                {2, "Quantity", 2, "000"},
                {3, "UnitPrice", 1, "0.00"}};
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   doc->UpdateLineHeaders(profile, tpl);
   ASSERT_EQ(doc->LineHeaders.Count(), 3);
   for (const Case& c : cases) {

@@ -22,7 +22,7 @@ using testing::WriteFile;
 // `zone_location` is not -100 or `zone_pattern` is given, a template zone
 // set for the same field.
 struct FieldWorld {
-  std::shared_ptr<cDocumentData> doc = std::make_shared<cDocumentData>();
+  std::shared_ptr<cDocumentData> doc = cDocumentData::New();
   std::shared_ptr<cFieldData> field;
   std::shared_ptr<cFieldType> type = std::make_shared<cFieldType>();
   std::shared_ptr<cExtractZones> zones = std::make_shared<cExtractZones>();
@@ -30,7 +30,7 @@ struct FieldWorld {
   FieldWorld(int32_t p_type, int32_t p_loc, int32_t zone_type = kNoOverride,
              int32_t zone_location = kNoOverride, bool with_zones = true) {
     doc->Profile = std::make_shared<cProfile>();
-    doc->Template = std::make_shared<cTemplate>();
+    doc->Template = cTemplate::New();
     type->Name = "Total";
     type->DataType = p_type;
     type->DataLocation = p_loc;

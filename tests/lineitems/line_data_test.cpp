@@ -40,7 +40,8 @@ TEST(LineData, WritesRowAndCellLines) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.cells);
-    cLineData row;
+    auto row_ptr = cLineData::New();
+    cLineData& row = *row_ptr;
     row.Status = 2;
     row.StatusMessage = "check";
     row.Left = 10;
@@ -100,7 +101,7 @@ TEST(LineData, ReadsRowLinesByVersionGate) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.ver) + " " + c.text);
-    auto row = std::make_shared<cLineData>();
+    auto row = cLineData::New();
     TextReader in;
     in.OpenText(c.text);
     std::string err;
@@ -119,7 +120,7 @@ TEST(LineData, ReadsRowLinesByVersionGate) {
 }
 
 TEST(LineData, FindsCreatesAndClearsCells) {
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   doc->Profile = std::make_shared<cProfile>();
   for (const char* name : {"Description", "Quantity", "UnitPrice"}) {
     auto hdr = std::make_shared<cLineHdrType>();
@@ -165,7 +166,7 @@ TEST(LineData, FindsCreatesAndClearsCells) {
 TEST(LineItemData, ValidatesAndFormatsByDataType) {
   TempDir dir;
   ScopedEnv reg("PELINOR_REGISTRY", dir.File("none.reg"));
-  auto doc = std::make_shared<cDocumentData>();
+  auto doc = cDocumentData::New();
   doc->Profile = std::make_shared<cProfile>();
   auto hdr = std::make_shared<cLineHdrType>();
   hdr->Name = "Code";

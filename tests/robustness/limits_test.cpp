@@ -92,7 +92,7 @@ TEST(Limits, HundredMegabyteLine) {
   WriteFile(tag, "ver0.946\r\nDocStatus:" + huge + "\r\n");
   RunBounded(
       [&] {
-        auto doc = std::make_shared<cDocumentData>();
+        auto doc = cDocumentData::New();
         std::string err;
         return Expect(doc->ReadSettings(tag, err), err, kDocTagsReadError);
       },
@@ -160,7 +160,7 @@ TEST(Limits, CountsClaimingTwoToTheThirtyOne) {
                   "\r\nField1Name:Total\r\nField1Value:1\r\n");
     RunBounded(
         [&] {
-          auto doc = std::make_shared<cDocumentData>();
+          auto doc = cDocumentData::New();
           std::string err;
           return Expect(doc->ReadSettings(tag, err), err, kDocTagsReadError);
         },

@@ -13,7 +13,7 @@
 namespace pelinor::testing {
 
 inline std::shared_ptr<cTemplate> FullTemplate() {
-  auto t = std::make_shared<cTemplate>();
+  auto t = cTemplate::New();
   t->TemplateIdentifier = "ACME LTD INVOICE";
   t->TemplateDisambiguatedID = "2";
   t->ScannerProfile = "Mono 300, duplex";

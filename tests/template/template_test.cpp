@@ -197,7 +197,7 @@ TEST(Template, ReadsEveryVersionGate) {
     SCOPED_TRACE(v.text);
     const std::string path = dir.File("t.tpl");
     WriteFile(path, AtVersion(v.text, v.value));
-    auto t = std::make_shared<cTemplate>();
+    auto t = cTemplate::New();
     std::string err = "stale";
     ASSERT_TRUE(t->ReadSettings(path, err)) << err;
     EXPECT_EQ(err, "");
@@ -210,7 +210,8 @@ TEST(Template, ReadsEveryVersionGate) {
     std::vector<std::string> lines = Lines(AtVersion(v.text, v.value));
     lines.pop_back();
     WriteFile(path, Join(lines));
-    cTemplate shorter;
+    auto shorter_owner = cTemplate::New();
+    cTemplate& shorter = *shorter_owner;
     EXPECT_FALSE(shorter.ReadSettings(path, err));
     EXPECT_EQ(err, kTemplateIncorrectParameter);
   }
@@ -222,7 +223,7 @@ TEST(Template, WritesTheGoldenFiles) {
     std::shared_ptr<cTemplate> t;
   } cases[] = {
       {"template/full.tpl", FullTemplate()},
-      {"template/empty.tpl", std::make_shared<cTemplate>()},
+      {"template/empty.tpl", cTemplate::New()},
   };
   TempDir dir;
   for (const Case& c : cases) {
@@ -232,7 +233,7 @@ TEST(Template, WritesTheGoldenFiles) {
     EXPECT_EQ(err, "");
     EXPECT_EQ(ReadFile(dir.File("out.tpl")), ReadFile(DataPath(c.golden)));
     // Reading the golden file and writing it again gives the same bytes.
-    auto back = std::make_shared<cTemplate>();
+    auto back = cTemplate::New();
     ASSERT_TRUE(back->ReadSettings(DataPath(c.golden), err)) << err;
     ASSERT_TRUE(back->WriteSettings(dir.File("again.tpl"), err));
     EXPECT_EQ(ReadFile(dir.File("again.tpl")), ReadFile(DataPath(c.golden)));
@@ -265,7 +266,8 @@ TEST(Template, PropertiesInheritFromTheProfileUntilSet) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    cTemplate t;
+    auto t_owner = cTemplate::New();
+    cTemplate& t = *t_owner;
     EXPECT_EQ(c.get(t), 0);
     t.Profile = std::make_shared<cProfile>();
     (*t.Profile).*c.field = 5;
@@ -276,7 +278,8 @@ TEST(Template, PropertiesInheritFromTheProfileUntilSet) {
     EXPECT_EQ(c.get(t), 0);
   }
   // The texts inherit the same way but are written with their own values.
-  cTemplate t;
+  auto t_owner = cTemplate::New();
+  cTemplate& t = *t_owner;
   EXPECT_EQ(t.LineDataRowSpaceMax(), "");
   t.Profile = std::make_shared<cProfile>();
   t.Profile->LineDataEntitySpaceMax = "150";
@@ -311,7 +314,8 @@ TEST(Template, ReadsEndMarksAndIdentifiers) {
                   "DocEndMarkInclusive:1\r\nDocEndMarkSideMode:0\r\n"
                   "ExpectedAttachments:0\r\nFieldCount:0\r\n"
                   "PseudoFieldCount:0\r\nLineTableCount:0\r\n");
-    cTemplate t;
+    auto t_owner = cTemplate::New();
+    cTemplate& t = *t_owner;
     std::string err;
     ASSERT_TRUE(t.ReadSettings(dir.File("t.tpl"), err)) << err;
     std::string marks;
@@ -347,7 +351,8 @@ TEST(Template, MarkerFilesOverrideInOrder) {
     const std::string path = dir.File("acme.tpl");
     WriteFile(path, AtVersion("ver0.929", 0.929f));
     for (const auto& m : c.markers) WriteFile(path + m, "ignored");
-    cTemplate t;
+    auto t_owner = cTemplate::New();
+    cTemplate& t = *t_owner;
     std::string err;
     ASSERT_TRUE(t.ReadSettings(path, err)) << err;
     EXPECT_EQ(t.DAInvoicesOverride(), c.da);
@@ -396,7 +401,8 @@ TEST(Template, RejectsMalformedFiles) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.body.substr(0, 400));
     WriteFile(dir.File("bad.tpl"), c.body);
-    cTemplate t;
+    auto t_owner = cTemplate::New();
+    cTemplate& t = *t_owner;
     std::string err;
     EXPECT_FALSE(t.ReadSettings(dir.File("bad.tpl"), err));
     EXPECT_EQ(err, c.err);
@@ -407,12 +413,14 @@ TEST(Template, RejectsMalformedFiles) {
   for (size_t n = 1; n < full.size(); ++n) {
     SCOPED_TRACE(n);
     WriteFile(dir.File("cut.tpl"), cut(n));
-    cTemplate t;
+    auto t_owner = cTemplate::New();
+    cTemplate& t = *t_owner;
     std::string err;
     EXPECT_FALSE(t.ReadSettings(dir.File("cut.tpl"), err));
     EXPECT_EQ(err, kTemplateIncorrectParameter);
   }
-  cTemplate t;
+  auto t_owner = cTemplate::New();
+  cTemplate& t = *t_owner;
   std::string err;
   EXPECT_FALSE(t.ReadSettings(dir.File("missing.tpl"), err));
   EXPECT_EQ(err, "Cannot find file " + dir.File("missing.tpl"));
