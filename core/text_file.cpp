@@ -191,6 +191,23 @@ bool TextReader::ReadItem(std::string& item) {
 }
 
 bool TextReader::ReadItem(std::string& item, bool& quoted) {
+  return ReadItemImpl(item, quoted, false);
+}
+
+bool TextReader::ReadFirstItem(std::string& item) {
+  bool quoted;
+  return ReadItemImpl(item, quoted, true);
+}
+
+void TextReader::SkipRestOfLine() {
+  const size_t size = data_.size();
+  const char* base = data_.data();
+  while (pos_ < size && base[pos_] != '\r' && base[pos_] != '\n') ++pos_;
+  SkipLineEnd();
+}
+
+bool TextReader::ReadItemImpl(std::string& item, bool& quoted,
+                              bool whole_line) {
   const size_t size = data_.size();
   if (pos_ >= size) return false;
   const char* base = data_.data();
@@ -198,6 +215,9 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
   const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\0'; };
   while (pos_ < size && blank(base[pos_])) ++pos_;
   quoted = pos_ < size && base[pos_] == '"';
+  // What ends the item: its line end (consumed), or a comma or other text
+  // that the quoted item form leaves for the next read.
+  bool line_ended = false;
   if (quoted) {
     const size_t start = pos_ + 1;
     // Most items are short: look at their bytes directly before handing a
@@ -215,6 +235,7 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
     if (pos_ < size && base[pos_] == ',') {
       ++pos_;
     } else {
+      line_ended = pos_ >= size || base[pos_] == '\r' || base[pos_] == '\n';
       SkipLineEnd();
     }
   } else {
@@ -232,9 +253,11 @@ bool TextReader::ReadItem(std::string& item, bool& quoted) {
     if (pos_ < size && base[pos_] == ',') {
       ++pos_;
     } else {
+      line_ended = true;
       SkipLineEnd();
     }
   }
+  if (whole_line && !line_ended) SkipRestOfLine();
   if (has_nuls_) DropNuls(item);
   return true;
 }

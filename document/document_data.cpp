@@ -83,7 +83,7 @@ bool cDocumentData::ReadSettings(TextReader& in, std::string& strErrMsg) {
   strErrMsg.clear();
   std::string ver_line;
   float ver = 0;
-  if (!in.ReadItem(ver_line) || !ParseVersionNumber(ver_line, ver)) {
+  if (!in.ReadFirstItem(ver_line) || !ParseVersionNumber(ver_line, ver)) {
     strErrMsg = kInvalidVersionError;
     return false;
   }
@@ -97,7 +97,7 @@ bool cDocumentData::ReadSettings(TextReader& in, std::string& strErrMsg) {
   int32_t n = 0;
   if (!ReadItemLong(in, Status)) return fail();
   if (!ReadLineValue(in, StatusMessage)) return fail();
-  if (!in.ReadItem(ProfileName)) return fail();
+  if (!in.ReadFirstItem(ProfileName)) return fail();
   if (ver >= 0.926f && !ReadItemLong(in, LastSheetIndex)) return fail();
 
   auto self = weak_from_this();

@@ -41,11 +41,12 @@ inline bool ReadLineValue(TextReader& in, std::string& value) {
   return true;
 }
 
-// First-item reading: the value after the label.
+// First-item reading (cut at a comma, the rest of the line skipped): the
+// value after the label.
 inline bool ReadItemValue(TextReader& in, std::string& value) {
   std::string& line = ScratchLine();
   std::string_view text;
-  if (!in.ReadItem(line) || !ValueAfterLabel(line, text)) return false;
+  if (!in.ReadFirstItem(line) || !ValueAfterLabel(line, text)) return false;
   value.assign(text);
   return true;
 }
@@ -54,7 +55,7 @@ inline bool ReadItemValue(TextReader& in, std::string& value) {
 inline bool ReadItemLong(TextReader& in, int32_t& value) {
   std::string& line = ScratchLine();
   std::string_view text;
-  return in.ReadItem(line) && ValueAfterLabel(line, text) &&
+  return in.ReadFirstItem(line) && ValueAfterLabel(line, text) &&
          ToLong(text, value);
 }
 
@@ -63,7 +64,7 @@ inline bool ReadCoords(TextReader& in, int32_t& left, int32_t& top,
                        int32_t& width, int32_t& height) {
   std::string& line = ScratchLine();
   std::string_view rest;
-  if (!in.ReadItem(line) || !ValueAfterLabel(line, rest)) return false;
+  if (!in.ReadFirstItem(line) || !ValueAfterLabel(line, rest)) return false;
   int32_t n[4];
   for (int i = 0; i < 4; ++i) {
     std::string_view head = rest;

@@ -1,5 +1,6 @@
 // Small reading helpers shared by the template file's readers: every line
-// of a template is either an item or a whole line, split at its first ":"
+// of a template is either read for its first item (cut at a comma, the
+// rest of the line skipped) or as a whole line, and split at its first ":"
 // into a label and a value.
 
 #ifndef PELINOR_TEMPLATE_RECORD_IO_H_
@@ -13,11 +14,11 @@
 
 namespace pelinor::template_io {
 
-// Reads one item and splits it; false at the end of the file or when the
-// item holds no ":".
+// Reads the first item of a line and splits it; false at the end of the
+// file or when the item holds no ":".
 inline bool ReadSplitItem(TextReader& in, std::string& value) {
   std::string line, label;
-  return in.ReadItem(line) &&
+  return in.ReadFirstItem(line) &&
          cDataParser().SplitNameAndValue(line, label, value, ":");
 }
 
@@ -34,10 +35,11 @@ inline bool ReadSplitLine(TextReader& in, std::string& value) {
   return ReadSplitLine(in, label, value);
 }
 
-// Reads one item as a labelled integer; `value` is untouched on failure.
+// Reads the first item of a line as a labelled integer; `value` is
+// untouched on failure.
 inline bool ReadLabelledLong(TextReader& in, int32_t& value) {
   std::string line, label;
-  return in.ReadItem(line) && ParseLabelledLong(line, label, value);
+  return in.ReadFirstItem(line) && ParseLabelledLong(line, label, value);
 }
 
 }  // namespace pelinor::template_io

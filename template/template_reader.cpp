@@ -27,7 +27,7 @@ bool cTemplate::ReadSettings(const std::string& FileName,
   }
   // An empty file reads as an empty version text.
   std::string version_text;
-  in.ReadItem(version_text);
+  in.ReadFirstItem(version_text);
   float ver = 0;
   if (!ParseVersionNumber(version_text, ver)) {
     strErrMsg = "Invalid version number";
@@ -58,9 +58,9 @@ bool cTemplate::ReadBody(TextReader& in, float ver, const std::string& strVer,
     return true;
   };
 
-  if (!in.ReadItem(TemplateIdentifier)) return fail();
+  if (!in.ReadFirstItem(TemplateIdentifier)) return fail();
   if (ver >= 0.914f) {
-    if (!in.ReadItem(value)) return fail();
+    if (!in.ReadFirstItem(value)) return fail();
     TemplateDisambiguatedID = value.empty() ? "0" : value;
   }
   if (!in.ReadLine(ScannerProfile) || !in.ReadLine(PelinorProfile)) {
@@ -174,7 +174,7 @@ bool cTemplate::ReadLineHeaders(TextReader& in, std::string& strErrMsg) {
     std::string line, label, value;
     const cDataParser parser;
     for (int32_t k = 0; k < overrides; ++k) {
-      if (!in.ReadItem(line) ||
+      if (!in.ReadFirstItem(line) ||
           !parser.SplitNameAndValue(line, label, value, ":")) {
         return fail();
       }

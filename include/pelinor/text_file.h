@@ -15,7 +15,10 @@
 //     read); an unquoted item runs to a comma or a line end, loses its
 //     trailing spaces, and the comma or line end is consumed. A
 //     blank line reads as one empty item, NUL bytes are dropped from items,
-//     and a read at the end of the file fails.
+//     and a read at the end of the file fails. Readers of several items on
+//     one line (the quoted item form) use ReadItem(), which leaves the rest
+//     after a comma for the next read; readers that take one value from a
+//     tagged line use ReadFirstItem(), which skips the rest of that line.
 //
 // TextWriter writes a new file beside its target and renames it over the
 // target on Commit(), so another process sees the old file or the new one,
@@ -99,6 +102,16 @@ class TextReader {
   bool ReadItem(std::string& item);
   bool ReadItem(std::string& item, bool& quoted);
 
+  // ReadFirstItem()
+  //
+  // First-item reading of a tagged line, for readers that take one value
+  // per line: reads one item as ReadItem() does, then skips what is left
+  // of its line. A comma therefore cuts the value and the next read starts
+  // on the next line, so a comma in a name never shifts the lines after
+  // it. A quoted item keeps its commas and line ends, and the rest of the
+  // line its closing quote is on is skipped. False at the end of the file.
+  bool ReadFirstItem(std::string& item);
+
   // ReadBool()
   //
   // Reads one item as a Boolean: "#TRUE#" / "#FALSE#", "True" / "False"
@@ -122,6 +135,13 @@ class TextReader {
  private:
   // Consumes one line end (CR LF, CR or LF) at the position, if any.
   void SkipLineEnd();
+
+  // Consumes everything up to and including the next line end.
+  void SkipRestOfLine();
+
+  // Item reading; with `whole_line`, the rest of the item's line is
+  // skipped (ReadFirstItem()).
+  bool ReadItemImpl(std::string& item, bool& quoted, bool whole_line);
 
   std::string owned_;    // contents read into memory
   void* map_ = nullptr;  // or mapped from a large file

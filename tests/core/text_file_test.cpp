@@ -35,6 +35,15 @@ std::vector<std::string> AllItems(std::string data) {
 
 using Strings = std::vector<std::string>;
 
+std::vector<std::string> AllFirstItems(std::string data) {
+  TextReader r;
+  r.OpenText(std::move(data));
+  std::vector<std::string> items;
+  std::string item;
+  while (r.ReadFirstItem(item)) items.push_back(item);
+  return items;
+}
+
 TEST(TextReader, ReadsWholeLinesWithAnyLineEnd) {
   struct Case {
     std::string data;
@@ -81,6 +90,31 @@ TEST(TextReader, ReadsItems) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.data);
     EXPECT_EQ(AllItems(c.data), c.items);
+  }
+}
+
+// One value per tagged line: a comma cuts the value and the next read
+// starts on the next line, never in the rest of the cut one.
+TEST(TextReader, ReadsTheFirstItemOfEachLine) {
+  struct Case {
+    std::string data;
+    Strings items;
+  } cases[] = {
+      {"Name:Northwind, Ltd\r\nNext:1\r\n", {"Name:Northwind", "Next:1"}},
+      {"a,b,c\nd\re,f", {"a", "d", "e"}},
+      {"Label:1,2:3\r\nx\r\n", {"Label:1", "x"}},
+      {"\"a,b\r\nc\",d\r\ne\r\n", {"a,b\r\nc", "e"}},
+      {"\"q\"x,y\nz\n", {"q", "z"}},
+      {"\"q\"  \r\nz", {"q", "z"}},
+      {"\r\n,\r\n,x\n", {"", "", ""}},
+      {"a,", {"a"}},
+      {"\"open", {"open"}},
+      {std::string("a\0,b\0\nc", 7), {"a", "c"}},
+      {"", {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.data);
+    EXPECT_EQ(AllFirstItems(c.data), c.items);
   }
 }
 

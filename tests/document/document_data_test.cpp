@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -115,6 +116,85 @@ TEST(DocumentData, WritesTheGoldenTagFileAndReadsItBack) {
             "Pattern validation failed.");
   ASSERT_TRUE(back->WriteSettings(dir.File("b.tag"), err));
   EXPECT_EQ(ReadFile(dir.File("b.tag")), golden);
+}
+
+// Every value read as the first item of its line is cut at a comma, and
+// reading goes on with the next line: the rest of the file reads as if the
+// comma had not been there.
+TEST(DocumentData, CutsFirstItemsAtACommaAndReadsOn) {
+  const std::string golden = ReadFile(DataPath("document/complete.tag"));
+  ASSERT_FALSE(golden.empty());
+  using Get = std::function<std::string(const cDocumentData&)>;
+  const auto field = [](int kind, int i) {
+    return [kind, i](const cDocumentData& d) {
+      const auto& items = kind == 0   ? d.Fields
+                          : kind == 1 ? d.PseudoFields
+                          : kind == 2 ? d.LinePseudos
+                                      : d.DocEndMarks;
+      return items.Item(i)->Name;
+    };
+  };
+  const auto cell = [](int row, int col) {
+    return [row, col](const cDocumentData& d) {
+      return d.LineData.Item(row)->colLineItemData.Item(col)->Name;
+    };
+  };
+  struct Case {
+    std::string line, replacement;
+    Get get;
+    std::string expected;
+  } cases[] = {
+      {"ver0.946", "ver0.946,ver0.1", [](auto& d) { return d.ProfileName; },
+       "Invoices"},
+      {"DocStatus:1", "DocStatus:1,7",
+       [](auto& d) { return std::to_string(d.Status); }, "1"},
+      {"Invoices", "Northwind, Ltd", [](auto& d) { return d.ProfileName; },
+       "Northwind"},
+      {"Invoices", "\"Northwind, Ltd\" ,x",
+       [](auto& d) { return d.ProfileName; }, "Northwind, Ltd"},
+      {"LastSheetIndex:2", "LastSheetIndex:2,3",
+       [](auto& d) { return std::to_string(d.LastSheetIndex); }, "2"},
+      {"Field1Name:InvoiceNumber", "Field1Name:Invoice, No", field(0, 1),
+       "Invoice"},
+      {"Field1DataLocation:1", "Field1DataLocation:1,5",
+       [](auto& d) { return std::to_string(d.Fields.Item(1)->DataLocation()); },
+       "1"},
+      {"Field1Coords:1650:410:520:70", "Field1Coords:1650:410:520:70,9",
+       [](auto& d) { return std::to_string(d.Fields.Item(1)->Height); }, "70"},
+      {"Field1Name:SupplierId", "Field1Name:Supplier,Id", field(1, 1),
+       "Supplier"},
+      {"LLAnchor1Name:Description", "LLAnchor1Name:Desc,ription", field(2, 1),
+       "Desc"},
+      {"DocEndMark1Name:Carried forward", "DocEndMark1Name:Carried, forward",
+       field(3, 1), "Carried"},
+      {"LineCount:2", "LineCount:2,1",
+       [](auto& d) { return std::to_string(d.LineData.Count()); }, "2"},
+      {"Line2Col1Name:Description", "Line2Col1Name:Item, text", cell(2, 1),
+       "Item"},
+      {"Line2Col2Status:1", "Line2Col2Status:1,0",
+       [](auto& d) {
+         return std::to_string(
+             d.LineData.Item(2)->colLineItemData.Item(2)->Status);
+       },
+       "1"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.replacement);
+    std::string text = golden;
+    const size_t at = text.find(c.line + "\r\n");
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, c.line.size(), c.replacement);
+    auto doc = cDocumentData::New();
+    TextReader in;
+    in.OpenText(text);
+    std::string err;
+    ASSERT_TRUE(doc->ReadSettings(in, err)) << err;
+    EXPECT_EQ(c.get(*doc), c.expected);
+    // The lines after the cut one are read where they belong.
+    ASSERT_EQ(doc->LineData.Count(), 2);
+    EXPECT_EQ(doc->LineData.Item(2)->colLineItemData.Item(2)->StatusMessage,
+              "Pattern validation failed.");
+  }
 }
 
 TEST(DocumentData, EmptyDocumentWritesEveryCount) {

@@ -281,9 +281,12 @@ TEST(FieldData, ReadsRecordsByVersionGate) {
        true, "", "Total", "5", 0, 0, 0, 0},
       {"ver", "Field1Name:Total\r\n", false, "Invalid version number", "", "",
        0, 0, 0, 0},
-      {"ver0.946", "Field1Name:A,B\r\nField1Value:5\r\n", false,
-       "Error reading document tags file. Incorrect parameter", "A", "", 0, 0,
-       0, 0},
+      // A name is cut at its comma; the next record is on the next line.
+      {"ver0.946",
+       "Field1Name:A,B\r\nField1Value:5\r\nField1Status:0\r\n"
+       "Field1Message:\r\nField1DataLocation:3\r\nField1DataType:2\r\n"
+       "Field1Coords:1:2:3:4\r\nNEXT\r\n",
+       true, "", "A", "5", 2, 3, 1, 4},
       {"ver0.946", "Field1Name:Total\r\nField1Value:5\r\nField1Status:x\r\n",
        false, "Error reading document tags file. Incorrect parameter", "Total",
        "5", 0, 0, 0, 0},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <regex>
 #include <sstream>
@@ -325,6 +326,83 @@ TEST(Template, ReadsEndMarksAndIdentifiers) {
     EXPECT_EQ(marks, c.marks);
     EXPECT_EQ(t.TemplateDisambiguatedID, c.id);
     EXPECT_EQ(t.ScannerProfile, "scanner");
+  }
+}
+
+// Every value read as the first item of its line is cut at a comma, and
+// reading goes on with the next line; values read as whole lines keep
+// their commas.
+TEST(Template, CutsFirstItemsAtACommaAndReadsOn) {
+  const std::vector<std::string> full =
+      Lines(ReadFile(DataPath("template/full.tpl")));
+  using Get = std::function<std::string(const cTemplate&)>;
+  struct Case {
+    std::string line, replacement;
+    Get get;
+    std::string expected;
+  } cases[] = {
+      {"ver0.946", "ver0.946,ver0.9", [](auto& t) { return t.Version; },
+       "0.946"},
+      {"ACME LTD INVOICE", "ACME, LTD INVOICE",
+       [](auto& t) { return t.TemplateIdentifier; }, "ACME"},
+      {"2", "2,3", [](auto& t) { return t.TemplateDisambiguatedID; }, "2"},
+      {"TemplateIDDatumX:1210", "TemplateIDDatumX:1210,5",
+       [](auto& t) { return t.TemplateIDDatumX; }, "1210"},
+      {"UserData:supplier 4711, net 30", "UserData:supplier 4711, net 30",
+       [](auto& t) { return t.UserData; }, "supplier 4711, net 30"},
+      {"ExtractType:2", "ExtractType:2,7",
+       [](auto& t) { return N(t.ExtractType); }, "2"},
+      {"DocEndMark:Carried forward:150:3100",
+       "DocEndMark:Carried, forward:150:3100",
+       [](auto& t) {
+         const auto& m = t.DocEndMarks.Item(1);
+         return m->Name + "@" + N(m->XOffset) + "," + N(m->YOffset);
+       },
+       "Carried@0,0"},
+      {"User:jbloggs", "User:Bloggs, J", [](auto& t) { return t.UserName; },
+       "Bloggs"},
+      {"FieldCount:2", "FieldCount:2,1",
+       [](auto& t) { return N(t.FieldZoneRefs.Count()); }, "2"},
+      {"Field1FieldName:InvoiceNumber", "Field1FieldName:Invoice,Number",
+       [](auto& t) { return t.FieldZoneRefs.Item(1)->FieldName; }, "Invoice"},
+      {"Field1AnchorRef:Invoice No", "Field1AnchorRef:Invoice, No",
+       [](auto& t) {
+         return t.FieldZoneRefs.Item(1)->AnchorRefs.Item(1)->Name;
+       },
+       "Invoice"},
+      {"Field1Zone1Left:1500", "Field1Zone1Left:1500,1",
+       [](auto& t) {
+         return N(t.FieldZoneRefs.Item(1)->Zones.Item(1)->LeftValue());
+       },
+       "1500"},
+      {"Field1CaptionSearch:VAT Reg", "Field1CaptionSearch:VAT, Reg",
+       [](auto& t) { return t.PseudoFieldZoneRefs.Item(1)->CaptionSearch; },
+       "VAT"},
+      {"Table1Col2Name:Qty", "Table1Col2Name:Qty, each",
+       [](auto& t) { return t.LineTables.Item(1)->Columns.Item(2)->Name; },
+       "Qty, each"},
+      {"LineDataEntitySpaceMax:120", "LineDataEntitySpaceMax:120,5",
+       [](auto& t) { return t.LineDataEntitySpaceMax(); }, "120"},
+      {"LineHeader1Name:Qty", "LineHeader1Name:Qty, each",
+       [](auto& t) { return t.LineHeaders.Item(1)->Name; }, "Qty"},
+      {"LineHeader1DataType:2", "LineHeader1DataType:2,4",
+       [](auto& t) { return N(t.LineHeaders.Item(1)->DataType); }, "2"},
+  };
+  TempDir dir;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.replacement);
+    std::vector<std::string> lines = full;
+    const auto at = std::find(lines.begin(), lines.end(), c.line);
+    ASSERT_NE(at, lines.end());
+    *at = c.replacement;
+    WriteFile(dir.File("comma.tpl"), Join(lines));
+    auto t = cTemplate::New();
+    std::string err;
+    ASSERT_TRUE(t->ReadSettings(dir.File("comma.tpl"), err)) << err;
+    EXPECT_EQ(c.get(*t), c.expected);
+    // The lines after the cut one are read where they belong.
+    ASSERT_EQ(t->LineHeaders.Count(), 2);
+    EXPECT_EQ(t->LineHeaders.Item(2)->Pattern, "AA-###");
   }
 }
 
