@@ -92,8 +92,9 @@ bool cDocumentData::ReadSettings(TextReader& in, std::string& strErrMsg) {
     return false;
   };
   // Counts are taken as a number of records to read, never as a size to
-  // reserve: a damaged count then ends at the end of the file.
-  auto read_count = [&in](int32_t& n) { return ReadItemLong(in, n) && n >= 0; };
+  // reserve: a damaged count then ends at the end of the file, and a
+  // negative one reads nothing.
+  auto read_count = [&in](int32_t& n) { return ReadItemLong(in, n); };
   int32_t n = 0;
   if (!ReadItemLong(in, Status)) return fail();
   if (!ReadLineValue(in, StatusMessage)) return fail();

@@ -76,7 +76,8 @@ bool cQueue::ReadSettings(const std::string& FileName, std::string& strErrMsg) {
   }
   Version = NumberText(version);
   int32_t count = 0;
-  if (file.AtEnd() || !file.ReadLong(count) || count < 0) {
+  // A negative count reads no entry, as a count of 0 does.
+  if (file.AtEnd() || !file.ReadLong(count)) {
     strErrMsg = kQueueFileBadCount;
     return false;
   }

@@ -62,10 +62,10 @@ class cQueue {
   //
   // Reads the queue file `FileName`: the version item (sets `Version`;
   // kQueueInvalidVersion when shorter than 4 characters), the count
-  // (kQueueFileBadCount when missing, not a number or negative), then that
-  // many records, each read into a new entry with the file's version and
-  // appended to `QueueEntries`. A failing record ends the read with false
-  // and its message; the entries read before it stay appended.
+  // (kQueueFileBadCount when missing or not a number; a negative count
+  // reads as 0), then that many records, each read into a new entry with the
+  // file's version and appended to `QueueEntries`. A failing record ends the
+  // read with false and its message; the entries read before it stay appended.
   bool ReadSettings(const std::string& FileName, std::string& strErrMsg);
 
   // Find()
@@ -148,8 +148,7 @@ class cQueue {
 // slot releases both when it goes.
 class cQueueSlot {
  public:
-  std::shared_ptr<cDocumentData> DocumentData =
-      cDocumentData::New();
+  std::shared_ptr<cDocumentData> DocumentData = cDocumentData::New();
   std::shared_ptr<cQueueEntry> QueueEntry = std::make_shared<cQueueEntry>();
 };
 

@@ -273,7 +273,6 @@ TEST(DocumentData, AnswersMalformedFilesWithTheirMessage) {
       {"", "Invalid version number", 0},
       {"ver0.946\r\nDocStatus:x\r\n", kReadError, 0},
       {head + "FieldsCount:many\r\n", kReadError, 0},
-      {head + "FieldsCount:-1\r\n", kReadError, 0},
       {head + "FieldsCount:2000000000\r\nField1Name:A\r\nField1Value:\r\n"
               "Field1Status:0\r\nField1Message:\r\nField1DataLocation:0\r\n"
               "Field1DataType:0\r\nField1Coords:0:0:0:0\r\n",
@@ -296,6 +295,50 @@ TEST(DocumentData, AnswersMalformedFilesWithTheirMessage) {
   std::string err;
   EXPECT_FALSE(cDocumentData::New()->ReadSettings("/nonexistent/x", err));
   EXPECT_EQ(err, kReadError);
+}
+
+// A negative count reads no item, like a count of 0, and reading goes on
+// with the next count; only a count that is not a number is an error.
+TEST(DocumentData, ReadsNegativeCountsAsNoItems) {
+  const std::string row =
+      "Line1Status:0\r\nLine1Message:\r\nLine1Coords:1:2:3:4\r\n"
+      "Line1DataLocation:1\r\n";
+  struct Case {
+    std::string counts[6];  // fields, pseudo, anchors, marks, lines, columns
+    std::string rest;
+    int rows, cells;
+  } cases[] = {
+      {{"-1", "0", "0", "0", "0", "0"}, "", 0, 0},
+      {{"0", "-2147483648", "0", "0", "0", "0"}, "", 0, 0},
+      {{"0", "0", "-3", "-4", "0", "0"}, "", 0, 0},
+      {{"0", "0", "0", "0", "-1", "2"}, "", 0, 0},
+      {{"0", "0", "0", "0", "1", "-2"}, row, 1, 0},
+      {{"-1.5", "0", "0", "0", "0", "0"}, "", 0, 0},
+  };
+  const char* labels[] = {
+      "FieldsCount:",      "PseudoFieldsCount:", "LLAnchorCount:",
+      "DocEndMarksCount:", "LineCount:",         "ColumnCount:"};
+  for (const Case& c : cases) {
+    std::string text =
+        "ver0.946\r\nDocStatus:0\r\nDocMessage:\r\nInvoices\r\n"
+        "LastSheetIndex:1\r\n";
+    for (int i = 0; i < 6; ++i) text += labels[i] + c.counts[i] + "\r\n";
+    text += c.rest;
+    SCOPED_TRACE(text);
+    auto doc = cDocumentData::New();
+    TextReader in;
+    in.OpenText(text);
+    std::string err;
+    ASSERT_TRUE(doc->ReadSettings(in, err)) << err;
+    EXPECT_EQ(doc->Fields.Count() + doc->PseudoFields.Count() +
+                  doc->LinePseudos.Count() + doc->DocEndMarks.Count(),
+              0);
+    ASSERT_EQ(doc->LineData.Count(), c.rows);
+    if (c.rows > 0) {
+      EXPECT_EQ(doc->LineData.Item(1)->colLineItemData.Count(), c.cells);
+    }
+    EXPECT_TRUE(in.AtEnd());
+  }
 }
 
 TEST(DocumentData, FindsByNameAndLocation) {

@@ -73,7 +73,6 @@ TEST(Queue, AnswersMalformedQueueFiles) {
       {"\"v1\"\r\n1\r\n", kQueueInvalidVersion, 0},
       {"\"ver0.946\"\r\n", kQueueFileBadCount, 0},
       {"\"ver0.946\"\r\nmany\r\n", kQueueFileBadCount, 0},
-      {"\"ver0.946\"\r\n-1\r\n", kQueueFileBadCount, 0},
       {"\"ver0.946\"\r\n2\r\n" + entry, kQueueEntryPastEnd, 1},
       {"\"ver0.946\"\r\n2147483647\r\n" + entry, kQueueEntryPastEnd, 1},
       {"\"ver0.946\"\r\n1\r\n\"D\",\"\",\"\",yes\r\n", kQueueEntryBadItem, 0},
@@ -107,6 +106,31 @@ TEST(Queue, AnswersMalformedQueueFiles) {
   ASSERT_EQ(q.QueueEntries.Count(), 1);
   EXPECT_EQ(q.QueueEntries.Item(1)->TemplateIDText, "a\"b");
   EXPECT_EQ(q.QueueEntries.Item(1)->DepositType, 1);
+}
+
+// A negative count reads no entry, like a count of 0; only a count that is
+// not a number is an error.
+TEST(Queue, ReadsANegativeCountAsNoEntries) {
+  struct Case {
+    std::string count;
+    bool ok;
+  } cases[] = {
+      {"-1", true},   {"-2147483648", true}, {"0", true},
+      {" -7 ", true}, {"-1.5", true},        {"-", false},
+      {"--1", false}, {"-1e99", false},      {"", false},
+  };
+  TempDir dir;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.count);
+    const std::string path = dir.File("q.txt");
+    WriteFile(path, "\"ver0.946\"\r\n" + c.count + "\r\n");
+    cQueue q;
+    std::string err = "old";
+    EXPECT_EQ(q.ReadSettings(path, err), c.ok);
+    EXPECT_EQ(err, c.ok ? "" : kQueueFileBadCount);
+    EXPECT_EQ(q.QueueEntries.Count(), 0);
+    EXPECT_EQ(q.Version, "0.946");
+  }
 }
 
 TEST(Queue, FindsTheFirstEntryIgnoringCase) {
