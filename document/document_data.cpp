@@ -19,53 +19,91 @@ using namespace tag_records;  // NOLINT(build/namespaces)
 // Tag file
 // ---------------------------------------------------------------------------
 
+namespace {
+
+// The number of items a collection holds that are not empty: only those
+// are written, so only those are counted.
+template <typename T>
+int32_t CountSet(const Collection<std::shared_ptr<T>>& items) {
+  int32_t n = 0;
+  for (const auto& item : items) n += item != nullptr;
+  return n;
+}
+
+// Every row is read back with the first row's number of cells, so a row
+// with another number would read back short or break the file. False with
+// the message naming the first such row.
+bool SameCellCounts(const Collection<std::shared_ptr<cLineData>>& rows,
+                    int32_t& columns, std::string& strErrMsg) {
+  columns = 0;
+  int32_t line = 0;
+  for (const auto& row : rows) {
+    if (!row) continue;
+    const int32_t cells = CountSet(row->colLineItemData);
+    if (++line == 1) {
+      columns = cells;
+    } else if (cells != columns) {
+      strErrMsg = std::string(kDocTagsWriteError) + "Row " + NumberText(line) +
+                  " has a different number of cells (" + NumberText(cells) +
+                  ") from the first row (" + NumberText(columns) + ").";
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
 bool cDocumentData::WriteSettings(const std::string& FileName,
                                   std::string& strErrMsg) const {
   strErrMsg.clear();
+  int32_t columns = 0;
+  if (!SameCellCounts(LineData, columns, strErrMsg)) return false;
   TextWriter out;
-  if (!out.Create(FileName)) return false;
+  if (!out.Create(FileName)) {
+    strErrMsg = kDocTagsCreateError;
+    return false;
+  }
+  // The writer keeps the old file until Commit(): any failure below
+  // abandons the new one and leaves the target as it was.
+  auto fail = [&out, &strErrMsg]() {
+    out.Abandon();
+    if (strErrMsg.empty()) strErrMsg = kDocTagsWriteError;
+    return false;
+  };
   out.WriteLine(kVersionLine);
   out.WriteLine("DocStatus:" + NumberText(Status));
   out.WriteLine("DocMessage:" + StatusMessage);
   out.WriteLine(ProfileName);
   out.WriteLine("LastSheetIndex:" + NumberText(LastSheetIndex));
-
-  bool ok = true;
-  out.WriteLine("FieldsCount:" + NumberText(Fields.Count()));
-  int32_t i = 0;
-  for (const auto& f : Fields) {
-    ok = ok && f && f->WriteSettings(++i, out, strErrMsg);
+  using Writer = bool (cFieldData::*)(int32_t, TextWriter&, std::string&) const;
+  const struct {
+    const char* count_label;
+    const Collection<std::shared_ptr<cFieldData>>& items;
+    Writer write;
+  } groups[] = {
+      {"FieldsCount:", Fields, &cFieldData::WriteSettings},
+      {"PseudoFieldsCount:", PseudoFields, &cFieldData::WritePseudoSettings},
+      {"LLAnchorCount:", LinePseudos, &cFieldData::WriteLinePseudoSettings},
+      {"DocEndMarksCount:", DocEndMarks, &cFieldData::WriteDocEndMarkSettings},
+  };
+  for (const auto& group : groups) {
+    out.WriteLine(group.count_label + NumberText(CountSet(group.items)));
+    if (!out.ok()) return fail();
+    int32_t i = 0;
+    for (const auto& f : group.items) {
+      if (f && !((*f).*group.write)(++i, out, strErrMsg)) return fail();
+    }
   }
-  out.WriteLine("PseudoFieldsCount:" + NumberText(PseudoFields.Count()));
-  i = 0;
-  for (const auto& f : PseudoFields) {
-    ok = ok && f && f->WritePseudoSettings(++i, out, strErrMsg);
-  }
-  out.WriteLine("LLAnchorCount:" + NumberText(LinePseudos.Count()));
-  i = 0;
-  for (const auto& f : LinePseudos) {
-    ok = ok && f && f->WriteLinePseudoSettings(++i, out, strErrMsg);
-  }
-  out.WriteLine("DocEndMarksCount:" + NumberText(DocEndMarks.Count()));
-  i = 0;
-  for (const auto& f : DocEndMarks) {
-    ok = ok && f && f->WriteDocEndMarkSettings(++i, out, strErrMsg);
-  }
-  out.WriteLine("LineCount:" + NumberText(LineData.Count()));
-  int32_t columns = 0;
-  if (LineData.Count() > 0 && LineData.Item(1)) {
-    columns = LineData.Item(1)->colLineItemData.Count();
-  }
+  out.WriteLine("LineCount:" + NumberText(CountSet(LineData)));
   out.WriteLine("ColumnCount:" + NumberText(columns));
-  i = 0;
+  if (!out.ok()) return fail();
+  int32_t i = 0;
   for (const auto& row : LineData) {
-    ok = ok && row && row->WriteSettings(++i, out, strErrMsg);
+    if (row && !row->WriteSettings(++i, out, strErrMsg)) return fail();
   }
-  if (!ok) {
-    out.Abandon();
-    return false;
-  }
-  return out.Commit();
+  if (!out.Commit()) return fail();
+  return true;
 }
 
 bool cDocumentData::ReadSettings(const std::string& FileName,

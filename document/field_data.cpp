@@ -222,32 +222,44 @@ void cFieldData::WriteRecords(const char* prefix, int32_t TagIdx,
   hFile.WriteLine(head + "Coords:" + CoordsText(Left, Top, Width, Height));
 }
 
+namespace {
+
+// The answer of a record writer: false with the field section's message
+// once the file has failed.
+bool Written(const TextWriter& hFile, std::string& strErrMsg) {
+  if (hFile.ok()) return true;
+  strErrMsg = kDocTagsFieldWriteError;
+  return false;
+}
+
+}  // namespace
+
 bool cFieldData::WriteSettings(int32_t TagIdx, TextWriter& hFile,
                                std::string& strErrMsg) const {
   strErrMsg.clear();
   WriteRecords("Field", TagIdx, hFile, true, true, true);
-  return hFile.ok();
+  return Written(hFile, strErrMsg);
 }
 
 bool cFieldData::WritePseudoSettings(int32_t TagIdx, TextWriter& hFile,
                                      std::string& strErrMsg) const {
   strErrMsg.clear();
   WriteRecords("Field", TagIdx, hFile, true, false, false);
-  return hFile.ok();
+  return Written(hFile, strErrMsg);
 }
 
 bool cFieldData::WriteLinePseudoSettings(int32_t TagIdx, TextWriter& hFile,
                                          std::string& strErrMsg) const {
   strErrMsg.clear();
   WriteRecords("LLAnchor", TagIdx, hFile, false, false, false);
-  return hFile.ok();
+  return Written(hFile, strErrMsg);
 }
 
 bool cFieldData::WriteDocEndMarkSettings(int32_t TagIdx, TextWriter& hFile,
                                          std::string& strErrMsg) const {
   strErrMsg.clear();
   WriteRecords("DocEndMark", TagIdx, hFile, false, false, false);
-  return hFile.ok();
+  return Written(hFile, strErrMsg);
 }
 
 bool cFieldData::ReadRecords(TextReader& hFile, std::string& strErrMsg,

@@ -28,6 +28,14 @@ bool IsDateType(int32_t code) {
 
 namespace {
 
+// The answer of a record writer: false with the line section's message
+// once the file has failed.
+bool Written(const TextWriter& hFile, std::string& strErrMsg) {
+  if (hFile.ok()) return true;
+  strErrMsg = kDocTagsLineWriteError;
+  return false;
+}
+
 std::string Label(int32_t line, const char* word) {
   return "Line" + NumberText(line) + word;
 }
@@ -108,7 +116,7 @@ bool cLineItemData::WriteSettings(int32_t lLineIdx, int32_t lColumnIdx,
   hFile.WriteLine(Label(lLineIdx, lColumnIdx, "Value:") + value);
   hFile.WriteLine(Label(lLineIdx, lColumnIdx, "Status:") + NumberText(Status));
   hFile.WriteLine(Label(lLineIdx, lColumnIdx, "Message:") + StatusMessage);
-  return hFile.ok();
+  return Written(hFile, strErrMsg);
 }
 
 bool cLineItemData::ReadSettings(int32_t /*lLineIdx*/, int32_t /*lColumnIdx*/,
@@ -174,13 +182,16 @@ bool cLineData::WriteSettings(int32_t lLineIdx, TextWriter& hFile,
   hFile.WriteLine(Label(lLineIdx, "Coords:") +
                   CoordsText(Left, Top, Width, Height));
   hFile.WriteLine(Label(lLineIdx, "DataLocation:") + NumberText(Location));
+  if (!Written(hFile, strErrMsg)) return false;
+  // Empty cells are left out and the others numbered without gaps, as
+  // the reader numbers them.
   int32_t col = 0;
   for (const auto& cell : colLineItemData) {
-    ++col;
-    if (!cell) continue;
-    if (!cell->WriteSettings(lLineIdx, col, hFile, strErrMsg)) return false;
+    if (cell && !cell->WriteSettings(lLineIdx, ++col, hFile, strErrMsg)) {
+      return false;
+    }
   }
-  return hFile.ok();
+  return true;
 }
 
 bool cLineData::ReadSettings(int32_t lLineIdx, int32_t lNoColumns,

@@ -4,6 +4,9 @@
 #ifndef PELINOR_TESTS_TEST_UTIL_H_
 #define PELINOR_TESTS_TEST_UTIL_H_
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <string>
 #include <string_view>
 
@@ -50,6 +53,22 @@ class ScopedEnv {
   std::string old_;
   bool had_old_;
 };
+
+// Runs `body` with the process's file size limit set to `bytes`, so that
+// writes past it fail (with the signal that would end the process
+// ignored).
+template <typename Body>
+void WithFileSizeLimit(rlim_t bytes, Body body) {
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  auto old_handler = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit = old;
+  limit.rlim_cur = bytes;
+  setrlimit(RLIMIT_FSIZE, &limit);
+  body();
+  setrlimit(RLIMIT_FSIZE, &old);
+  std::signal(SIGXFSZ, old_handler);
+}
 
 }  // namespace pelinor::testing
 

@@ -64,8 +64,14 @@ class cDocumentData : public std::enable_shared_from_this<cDocumentData> {
 
   // WriteSettings()
   //
-  // Writes the whole tag file, replacing `FileName` when complete. False
-  // with no file left behind when the file cannot be written.
+  // Writes the whole tag file, replacing `FileName` only when complete.
+  // Empty items (null pointers) are neither written nor counted. Refuses,
+  // before writing anything, rows whose number of cells (empty ones left
+  // out) differs from the first row's: the reader reads every row with the
+  // first row's count. On failure returns false with the message
+  // (kDocTagsCreateError, the row message of line_data.h, the failing
+  // item's message or kDocTagsWriteError); the file that was at
+  // `FileName`, if any, is left as it was and no temporary file remains.
   bool WriteSettings(const std::string& FileName, std::string& strErrMsg) const;
 
   // ReadSettings()

@@ -134,7 +134,8 @@ class cFieldData {
   // DataLocation, DataType, Coords), pseudo field ("Field": Name, Value,
   // DataLocation, Coords), line pseudo ("LLAnchor") and document-end mark
   // ("DocEndMark"): Name, DataLocation, Coords. Type and location are
-  // written resolved.
+  // written resolved. The writers fail with kDocTagsFieldWriteError once
+  // `hFile` has failed.
   bool WriteSettings(int32_t TagIdx, TextWriter& hFile,
                      std::string& strErrMsg) const;
   bool WritePseudoSettings(int32_t TagIdx, TextWriter& hFile,

@@ -79,7 +79,8 @@ class cLineItemData {
   // WriteSettings() / ReadSettings()
   //
   // The cell's four records "Line" L "Col" C "Name:", "Value:", "Status:",
-  // "Message:". ReadSettings() is positional and fails with
+  // "Message:". WriteSettings() fails with kDocTagsLineWriteError once
+  // `hFile` has failed. ReadSettings() is positional and fails with
   // "Error reading document tags file. Incorrect parameter" (what was read
   // stays set) or "Invalid version number".
   bool WriteSettings(int32_t lLineIdx, int32_t lColumnIdx, TextWriter& hFile,
@@ -140,7 +141,9 @@ class cLineData : public std::enable_shared_from_this<cLineData> {
   // WriteSettings()
   //
   // The row's four lines (Status, Message, Coords, DataLocation) and then
-  // every cell's records.
+  // the records of every cell that is not empty, numbered 1, 2, ... as the
+  // reader numbers them. Fails with kDocTagsLineWriteError (or the cell's
+  // message) once `hFile` has failed.
   bool WriteSettings(int32_t lLineIdx, TextWriter& hFile,
                      std::string& strErrMsg) const;
 
@@ -157,6 +160,21 @@ class cLineData : public std::enable_shared_from_this<cLineData> {
 inline constexpr char kDocTagsReadError[] =
     "Error reading document tags file. Incorrect parameter";
 inline constexpr char kInvalidVersionError[] = "Invalid version number";
+
+// The writer messages of the document tag file: the file cannot be
+// created; a line of the document itself, or the file as a whole, cannot
+// be written; a field, pseudo field, line anchor or end mark cannot be
+// written; a row or cell cannot be written. A row whose number of cells
+// differs from the first row's is refused with kDocTagsWriteError followed
+// by "Row L has a different number of cells (n) from the first row (c).".
+inline constexpr char kDocTagsCreateError[] =
+    "Unable to create document tags file";
+inline constexpr char kDocTagsWriteError[] =
+    "Error writing to document tags file. ";
+inline constexpr char kDocTagsFieldWriteError[] =
+    "Error writing to document tags file, field section. ";
+inline constexpr char kDocTagsLineWriteError[] =
+    "Error writing to document tags file, line level section. ";
 
 // IsAmountType() / IsDateType()
 //

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,6 +17,7 @@ namespace {
 using testing::DataPath;
 using testing::ReadFile;
 using testing::TempDir;
+using testing::WithFileSizeLimit;
 using testing::WriteFile;
 
 constexpr char kReadError[] =
@@ -208,6 +210,174 @@ TEST(DocumentData, EmptyDocumentWritesEveryCount) {
   EXPECT_FALSE(
       cDocumentData::New()->WriteSettings(dir.File("missing/e.tag"), err));
   EXPECT_FALSE(FileExists(dir.File("missing/e.tag")));
+}
+
+// The names of every item of `doc`, one group per collection
+// ("F:a,b|P:|A:|E:|R:x,y;z,w"), to compare what was written with what
+// reads back.
+std::string Names(const cDocumentData& doc) {
+  std::string out;
+  const Collection<std::shared_ptr<cFieldData>>* groups[] = {
+      &doc.Fields, &doc.PseudoFields, &doc.LinePseudos, &doc.DocEndMarks};
+  const char* tags[] = {"F:", "|P:", "|A:", "|E:"};
+  for (int g = 0; g < 4; ++g) {
+    out += tags[g];
+    for (const auto& f : *groups[g]) out += (f ? f->Name : "null") + ",";
+  }
+  out += "|R:";
+  for (const auto& row : doc.LineData) {
+    if (!row) continue;
+    for (const auto& cell : row->colLineItemData) {
+      out += (cell ? cell->Name : "null") + ",";
+    }
+    out += ";";
+  }
+  return out;
+}
+
+// Empty items are left out of the file and its counts, so that the file
+// reads back what it holds; rows whose number of cells differs from the
+// first row's are refused before anything is written.
+TEST(DocumentData, WritesOnlyWhatItsReaderReadsBack) {
+  using Build = std::function<void(cDocumentData&)>;
+  const auto row = [](cDocumentData& d, std::vector<const char*> cells) {
+    auto r = d.CreateLineData();
+    for (const char* name : cells) {
+      std::shared_ptr<cLineItemData> cell;
+      if (name != nullptr) {
+        cell = std::make_shared<cLineItemData>();
+        cell->Name = name;
+      }
+      r->colLineItemData.Add(cell);
+    }
+  };
+  const std::string mismatch = std::string(kDocTagsWriteError) + "Row ";
+  struct Case {
+    Build build;
+    std::string err;  // "" when the write succeeds
+    std::string names;
+  } cases[] = {
+      {[](auto& d) {
+         d.CreateField()->Name = "A";
+         d.Fields.Add(nullptr);
+         d.CreateField()->Name = "B";
+         d.PseudoFields.Add(nullptr);
+         d.LinePseudos.Add(nullptr);
+         d.CreateLinePseudo()->Name = "L";
+         d.DocEndMarks.Add(nullptr);
+       },
+       "", "F:A,B,|P:|A:L,|E:|R:"},
+      {[&](auto& d) {
+         d.LineData.Add(nullptr);
+         row(d, {"a", nullptr, "b"});
+         d.LineData.Add(nullptr);
+         row(d, {nullptr, "c", "d", nullptr});
+       },
+       "", "F:|P:|A:|E:|R:a,b,;c,d,;"},
+      {[&](auto& d) {
+         row(d, {nullptr, nullptr});
+         row(d, {});
+       },
+       "", "F:|P:|A:|E:|R:;;"},
+      {[&](auto& d) {
+         row(d, {"a", "b"});
+         row(d, {"c"});
+       },
+       mismatch + "2 has a different number of cells (1) from the first "
+                  "row (2).",
+       ""},
+      {[&](auto& d) {
+         d.CreateField()->Name = "A";
+         row(d, {"a"});
+         d.LineData.Add(nullptr);
+         row(d, {"b"});
+         row(d, {"c", "d"});
+       },
+       mismatch + "3 has a different number of cells (2) from the first "
+                  "row (1).",
+       ""},
+      {[&](auto& d) {
+         row(d, {});
+         row(d, {"a", nullptr});
+       },
+       mismatch + "2 has a different number of cells (1) from the first "
+                  "row (0).",
+       ""},
+  };
+  for (const Case& c : cases) {
+    TempDir dir;
+    const std::string path = dir.File("doc.tag");
+    WriteFile(path, "old contents");
+    auto doc = cDocumentData::New();
+    c.build(*doc);
+    SCOPED_TRACE(Names(*doc));
+    std::string err = "old";
+    EXPECT_EQ(doc->WriteSettings(path, err), c.err.empty());
+    EXPECT_EQ(err, c.err);
+    if (!c.err.empty()) {
+      EXPECT_EQ(ReadFile(path), "old contents");
+    } else {
+      auto back = cDocumentData::New();
+      ASSERT_TRUE(back->ReadSettings(path, err)) << err;
+      EXPECT_EQ(Names(*back), c.names);
+    }
+    int files = 0;
+    for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
+      (void)e;
+      ++files;
+    }
+    EXPECT_EQ(files, 1);  // no temporary file left
+  }
+}
+
+// A write that fails part way names the part that failed, keeps the file
+// that was there and leaves no temporary file behind.
+TEST(DocumentData, AFailedWriteKeepsTheOldFileAndSaysWhy) {
+  const std::string big(200000, 'x');
+  struct Case {
+    std::function<void(cDocumentData&)> build;
+    const char* err;
+  } cases[] = {
+      {[&](auto& d) { d.StatusMessage = big; }, kDocTagsWriteError},
+      {[&](auto& d) { d.CreateField()->value = big; }, kDocTagsFieldWriteError},
+      {[&](auto& d) { d.CreatePseudoField()->value = big; },
+       kDocTagsFieldWriteError},
+      {[&](auto& d) { d.CreateDocEndMark()->Name = big; },
+       kDocTagsFieldWriteError},
+      {[&](auto& d) { d.CreateLineData()->StatusMessage = big; },
+       kDocTagsLineWriteError},
+      {[&](auto& d) {
+         auto cell = std::make_shared<cLineItemData>();
+         cell->value = big;
+         d.CreateLineData()->colLineItemData.Add(cell);
+       },
+       kDocTagsLineWriteError},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.err);
+    TempDir dir;
+    const std::string path = dir.File("doc.tag");
+    WriteFile(path, "old contents");
+    auto doc = cDocumentData::New();
+    doc->ProfileName = "Invoices";
+    c.build(*doc);
+    std::string err;
+    bool ok = true;
+    WithFileSizeLimit(1000, [&] { ok = doc->WriteSettings(path, err); });
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(err, c.err);
+    EXPECT_EQ(ReadFile(path), "old contents");
+    int files = 0;
+    for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
+      (void)e;
+      ++files;
+    }
+    EXPECT_EQ(files, 1);
+  }
+  TempDir dir;
+  std::string err;
+  EXPECT_FALSE(cDocumentData::New()->WriteSettings(dir.File("no/d.tag"), err));
+  EXPECT_EQ(err, kDocTagsCreateError);
 }
 
 TEST(DocumentData, ReadsByVersionGate) {

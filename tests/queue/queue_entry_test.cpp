@@ -1,8 +1,6 @@
 #include "pelinor/queue_entry.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/resource.h>
 
 #include <filesystem>
 #include <set>
@@ -24,6 +22,7 @@ using testing::FullEntry;
 using testing::kRecordItems;
 using testing::ReadFile;
 using testing::TempDir;
+using testing::WithFileSizeLimit;
 using testing::WriteFile;
 
 std::vector<int> Items(int first, int last) {
@@ -305,21 +304,6 @@ TEST(QueueEntry, CopiesEveryProperty) {
     EXPECT_EQ((*target)->ID2Identifier, "ID2");
     EXPECT_EQ((*target)->dtTimeScanned, 45414.25);
   }
-}
-
-// Runs `body` with the process's file size limit set to `bytes`, so that
-// writes past it fail.
-template <typename Body>
-void WithFileSizeLimit(rlim_t bytes, Body body) {
-  rlimit old{};
-  getrlimit(RLIMIT_FSIZE, &old);
-  auto old_handler = signal(SIGXFSZ, SIG_IGN);
-  rlimit limit = old;
-  limit.rlim_cur = bytes;
-  setrlimit(RLIMIT_FSIZE, &limit);
-  body();
-  setrlimit(RLIMIT_FSIZE, &old);
-  signal(SIGXFSZ, old_handler);
 }
 
 TEST(QueueEntry, LeavesNoStatusFileWhenTheRecordFails) {
