@@ -370,6 +370,8 @@ void cDocumentData::UpdateLineHeaders(
     const std::shared_ptr<cProfile>& objProfile,
     const std::shared_ptr<cTemplate>& objTemplate) {
   if (!objProfile) return;
+  // Rebuilt, not appended to: updating twice must not repeat the headers.
+  ClearLineHeaders();
   for (const auto& def : objProfile->LineItemHdrs) {
     if (!def) continue;
     auto hdr = std::make_shared<cLineHdrType>();

@@ -134,9 +134,10 @@ class cDocumentData : public std::enable_shared_from_this<cDocumentData> {
 
   // UpdateLineHeaders()
   //
-  // Appends one line header per profile header type, taking data type,
-  // pattern mode and pattern from the template's header where it sets
-  // them. Does nothing without a profile.
+  // Rebuilds the line headers: replaces them by one header per profile
+  // header type, in the profile's order, taking data type, pattern mode and
+  // pattern from the template's header where it sets them. Calling it
+  // again gives the same headers. Does nothing without a profile.
   void UpdateLineHeaders(const std::shared_ptr<cProfile>& objProfile,
                          const std::shared_ptr<cTemplate>& objTemplate);
 

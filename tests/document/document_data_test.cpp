@@ -616,5 +616,41 @@ TEST(DocumentData, UpdatesLineHeadersFromProfileAndTemplate) {
   }
 }
 
+// The headers are rebuilt from the profile, not appended to: one header
+// per profile definition however often they are updated and whatever the
+// document held; without a profile nothing changes.
+TEST(DocumentData, UpdateLineHeadersRebuildsThem) {
+  auto profile = std::make_shared<cProfile>();
+  for (const char* name : {"Description", "Quantity"}) {
+    auto h = std::make_shared<cLineHdrType>();
+    h->Name = name;
+    profile->LineItemHdrs.Add(h);
+  }
+  profile->LineItemHdrs.Add(nullptr);
+  struct Case {
+    std::vector<std::string> held;
+    int calls;
+    bool with_profile;
+    std::string names;
+  } cases[] = {
+      {{}, 1, true, "Description,Quantity,"},
+      {{}, 2, true, "Description,Quantity,"},
+      {{}, 3, true, "Description,Quantity,"},
+      {{"Old", "Quantity"}, 1, true, "Description,Quantity,"},
+      {{"Old"}, 2, false, "Old,"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.names + " after " + std::to_string(c.calls));
+    auto doc = cDocumentData::New();
+    for (const auto& name : c.held) doc->CreateLineHeader()->Name = name;
+    for (int i = 0; i < c.calls; ++i) {
+      doc->UpdateLineHeaders(c.with_profile ? profile : nullptr, nullptr);
+    }
+    std::string names;
+    for (const auto& h : doc->LineHeaders) names += h->Name + ",";
+    EXPECT_EQ(names, c.names);
+  }
+}
+
 }  // namespace
 }  // namespace pelinor
