@@ -158,7 +158,7 @@ bool cLineData::FindLineItem(const std::string& Name, int32_t& LineItDataIdx,
                              std::shared_ptr<cLineItemData>& LineItData) const {
   for (int i = 1; i <= colLineItemData.Count(); ++i) {
     const auto& cell = colLineItemData.Item(i);
-    if (cell && cell->Name == Name) {
+    if (cell && EqualsIgnoreCase(cell->Name, Name)) {
       LineItDataIdx = i;
       LineItData = cell;
       return true;

@@ -128,7 +128,8 @@ class cLineData : public std::enable_shared_from_this<cLineData> {
 
   // FindLineItem()
   //
-  // The first cell whose Name equals `Name` exactly. False, outputs
+  // The first cell whose Name equals `Name` ignoring letter case
+  // (Windows-1252), as every look-up by name does. False, outputs
   // untouched, when there is none.
   bool FindLineItem(const std::string& Name, int32_t& LineItDataIdx,
                     std::shared_ptr<cLineItemData>& LineItData) const;

@@ -122,7 +122,8 @@ TEST(LineData, ReadsRowLinesByVersionGate) {
 TEST(LineData, FindsCreatesAndClearsCells) {
   auto doc = cDocumentData::New();
   doc->Profile = std::make_shared<cProfile>();
-  for (const char* name : {"Description", "Quantity", "UnitPrice"}) {
+  for (const char* name :
+       {"Description", "Quantity", "UnitPrice", "Qty", "\xC4rger"}) {
     auto hdr = std::make_shared<cLineHdrType>();
     hdr->Name = name;
     hdr->DataType = name[0] == 'U' ? 4 : 1;
@@ -131,15 +132,18 @@ TEST(LineData, FindsCreatesAndClearsCells) {
   }
   auto row = doc->CreateLineData();
   row->CreateLineDataColumns();
-  ASSERT_EQ(row->colLineItemData.Count(), 3);
+  ASSERT_EQ(row->colLineItemData.Count(), 5);
+  // Names are compared ignoring letter case (Windows-1252), first match
+  // first.
   struct Case {
     const char* name;
     bool found;
     int32_t idx;
-  } cases[] = {{"Quantity", true, 2},
-               {"UnitPrice", true, 3},
-               {"quantity", false, 0},
-               {"", false, 0}};
+  } cases[] = {{"Quantity", true, 2},    {"UnitPrice", true, 3},
+               {"quantity", true, 2},    {"UNITPRICE", true, 3},
+               {"description", true, 1}, {"qTY", true, 4},
+               {"\xE4RGER", true, 5},    {"Quantit", false, 0},
+               {"Qty ", false, 0},       {"", false, 0}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     int32_t idx = 0;
@@ -147,12 +151,17 @@ TEST(LineData, FindsCreatesAndClearsCells) {
     EXPECT_EQ(row->FindLineItem(c.name, idx, cell), c.found);
     EXPECT_EQ(idx, c.idx);
     if (c.found) {
-      EXPECT_EQ(cell->Name, c.name);
+      EXPECT_EQ(cell, row->colLineItemData.Item(c.idx));
       EXPECT_EQ(cell->Flags, 6);
       EXPECT_EQ(cell->LineData.lock(), row);
     }
   }
   EXPECT_EQ(row->colLineItemData.Item(3)->DataType, 4);
+  row->colLineItemData.Item(4)->Name = "quantity";  // the first match wins
+  int32_t idx = 0;
+  std::shared_ptr<cLineItemData> cell;
+  EXPECT_TRUE(row->FindLineItem("QUANTITY", idx, cell));
+  EXPECT_EQ(idx, 2);
 
   auto option = std::make_shared<cOptionItem>();
   std::weak_ptr<cOptionItem> watch = option;
