@@ -163,9 +163,8 @@ void TextReader::SkipLineEnd() {
   }
 }
 
-bool TextReader::ReadLine(std::string& line) {
+size_t TextReader::LineEnd() {
   const size_t size = data_.size();
-  if (pos_ >= size) return false;
   const char* base = data_.data();
   // The next LF is cached so that files with lone CR line ends do not make
   // every line search to the end of the data.
@@ -175,11 +174,15 @@ bool TextReader::ReadLine(std::string& line) {
         lf ? static_cast<size_t>(static_cast<const char*>(lf) - base) : size;
     lf_cached_ = true;
   }
-  size_t end = next_lf_;
-  const void* cr = std::memchr(base + pos_, '\r', end - pos_);
-  if (cr != nullptr)
-    end = static_cast<size_t>(static_cast<const char*>(cr) - base);
-  line.assign(base + pos_, end - pos_);
+  const void* cr = std::memchr(base + pos_, '\r', next_lf_ - pos_);
+  return cr ? static_cast<size_t>(static_cast<const char*>(cr) - base)
+            : next_lf_;
+}
+
+bool TextReader::ReadLine(std::string& line) {
+  if (pos_ >= data_.size()) return false;
+  const size_t end = LineEnd();
+  line.assign(data_.data() + pos_, end - pos_);
   pos_ = end;
   SkipLineEnd();
   return true;
@@ -200,9 +203,8 @@ bool TextReader::ReadFirstItem(std::string& item) {
 }
 
 void TextReader::SkipRestOfLine() {
-  const size_t size = data_.size();
-  const char* base = data_.data();
-  while (pos_ < size && base[pos_] != '\r' && base[pos_] != '\n') ++pos_;
+  if (pos_ >= data_.size()) return;
+  pos_ = LineEnd();
   SkipLineEnd();
 }
 

@@ -136,6 +136,10 @@ class TextReader {
   // Consumes one line end (CR LF, CR or LF) at the position, if any.
   void SkipLineEnd();
 
+  // The position of the first CR or LF at or after the position (the size
+  // of the contents when there is none). REQUIRES: not at the end.
+  size_t LineEnd();
+
   // Consumes everything up to and including the next line end.
   void SkipRestOfLine();
 
