@@ -407,7 +407,7 @@ void RunUpgrade(const DocOptions& opts) {
   if (!doc) return;
   std::string err;
   const std::string out = FromUtf8(opts.out);
-  if (!doc->WriteSettings(out, err)) Fail("cannot write " + out);
+  if (!doc->WriteSettings(out, err)) Fail("cannot write " + out + ": " + err);
 }
 
 void AddDocumentCommands(CLI::App& app) {
