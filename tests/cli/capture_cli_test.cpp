@@ -250,7 +250,7 @@ TEST(CaptureCli, JobsGiveTheSameFilesAndOutput) {
 // ends, byte for byte.
 TEST(CaptureCli, KilledBatchRunAgainEndsAsOneRun) {
   TempDir dir;
-  constexpr uint32_t kCount = 1500;
+  constexpr uint32_t kCount = 600;
   WriteCorpus(dir.File("whole"), 23, kCount);
   WriteCorpus(dir.File("killed"), 23, kCount);
   ScopedEnv env("PELINOR_REGISTRY", Example("registry.reg"));
@@ -262,13 +262,13 @@ TEST(CaptureCli, KilledBatchRunAgainEndsAsOneRun) {
       Args({"--in-place", "--jobs", "2", "--json-lines", dir.File("killed")}),
       "/dev/null", dir);
   ASSERT_GT(pid, 0);
-  // Kill once some documents are written, well before the last.
+  // Kill as soon as the first document is written, well before the last.
   const std::string first = dir.File("killed/part0/doc0.tag");
-  for (int i = 0; i < 2000 && ReadFile(first).find("DocStatus:1\r\n") == 0;
+  for (int i = 0; i < 20000 &&
+                  ReadFile(first).find("DocStatus:1\r\n") != std::string::npos;
        ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::this_thread::sleep_for(std::chrono::microseconds(500));
   }
-  std::this_thread::sleep_for(std::chrono::milliseconds(100));
   ASSERT_EQ(kill(pid, SIGKILL), 0);
   EXPECT_EQ(Wait(pid), 128 + SIGKILL);
   const std::string killed = TreeBytes(dir.File("killed"));
