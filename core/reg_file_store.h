@@ -112,6 +112,29 @@ const RegistryBackend& SystemBackend();
 std::string MachineStorePath();
 std::string UserStorePath();
 
+// IsRegistryText()
+//
+// True when `bytes` are a registry export this store may replace: empty,
+// or text without NUL bytes (UTF-16LE with its byte-order mark, or single
+// bytes after an optional UTF-8 byte-order mark) whose first non-blank line
+// is "Windows Registry Editor Version 5.00" or "REGEDIT4". Anything else
+// (a settings file, a binary file) is someone else's file and is never
+// overwritten.
+bool IsRegistryText(std::string_view bytes);
+
+enum class StoreFileState {
+  kMissing,     // no file at that path
+  kReady,       // a registry file (or an empty file)
+  kForeign,     // a file that is not a registry export
+  kUnreadable,  // cannot be opened or read (a directory, no permission)
+};
+
+// InspectStoreFile()
+//
+// What is at `file`. For kUnreadable, `*error` (when given) receives the
+// system error number.
+StoreFileState InspectStoreFile(const std::string& file, int* error = nullptr);
+
 // One value of a registry file: raw bytes and type, with the comment lines
 // written above it.
 struct RegFileValue {
