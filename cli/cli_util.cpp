@@ -11,6 +11,7 @@
 #include <filesystem>
 
 #include "core/reg_file_store.h"
+#include "pelinor/pattern_engine.h"
 #include "pelinor/text.h"
 #include "pelinor/text_file.h"
 
@@ -168,7 +169,7 @@ void FailFile(const std::string& file, std::string_view what, int error) {
   Fail(FileErrorText(file, what, error < 0 ? LastFileError() : error));
 }
 
-bool CheckConfigurationFile(const std::string& file, bool needs_version) {
+bool CheckConfigurationFile(const std::string& file, ConfigForm form) {
   std::error_code ec;
   const auto status = std::filesystem::status(file, ec);
   if (ec) {
@@ -194,7 +195,7 @@ bool CheckConfigurationFile(const std::string& file, bool needs_version) {
     FailFile(file, "is not a text file", 0);
     return false;
   }
-  if (needs_version) {
+  if (form == ConfigForm::kVersioned) {
     std::string line;
     reader.ReadLine(line);
     const std::string_view first = Trim(line);
@@ -204,7 +205,16 @@ bool CheckConfigurationFile(const std::string& file, bool needs_version) {
                "has no version line (\"ver...\"), not a configuration file", 0);
       return false;
     }
+    return true;
   }
+  for (std::string line; reader.ReadLine(line);) {
+    const std::string_view text = Trim(line);
+    if (text.size() >= 2 && text.front() == '[' && text.back() == ']') {
+      return true;
+    }
+  }
+  FailFile(file, "has no section (\"[Name]\" line), not a settings file", 0);
+  return false;
   return true;
 }
 
@@ -233,8 +243,9 @@ void WarnIfUtf8(const std::string& file) {
   }
 }
 
-bool UseRegistryFile(const std::string& file) {
+bool UseRegistryFile(const std::string& file, bool needed) {
   if (!file.empty()) setenv("PELINOR_REGISTRY", file.c_str(), 1);
+  if (!needed) return true;
   const char* named = std::getenv("PELINOR_REGISTRY");
   if (named == nullptr || *named == '\0') return true;
   const std::string path = named;
@@ -256,6 +267,17 @@ bool UseRegistryFile(const std::string& file) {
   }
   FailFile(path, "cannot read registry file", error);
   return false;
+}
+
+bool CheckPatternSpec(const std::string& spec) {
+  cPatternEngine engine;
+  std::string error;
+  bool ok = false;
+  engine.LoadSBSExpression(spec, error, ok);
+  if (!ok) {
+    Fail("invalid pattern specification \"" + spec + "\": " + error, 2);
+  }
+  return ok;
 }
 
 bool ProgressWanted() {

@@ -103,15 +103,22 @@ void FailFile(const std::string& file, std::string_view what, int error = -1);
 // the exit status is unchanged.
 void Warn(std::string_view cp1252_message);
 
+// The outline a configuration file must have.
+enum class ConfigForm {
+  kSectioned,  // at least one "[Section]" header line
+  kVersioned,  // a version line ("ver" and a number) first
+};
+
 // CheckConfigurationFile()
 //
-// True when `file` can be configuration: a readable, non-empty text file
-// (no NUL bytes) and, when `needs_version` is set, one whose first line is
-// a version line ("ver" and a number). Otherwise Fail()s with one line
-// naming the file ("<file>: is a directory", "<file>: is empty", "<file>:
-// is not a text file", "<file>: has no version line (\"ver...\")", or the
-// system's reason it cannot be read) and answers false.
-bool CheckConfigurationFile(const std::string& file, bool needs_version);
+// True when `file` can be configuration of `form`: a readable, non-empty
+// text file (no NUL bytes) with that outline. Otherwise Fail()s with one
+// line naming the file ("<file>: is a directory, not a configuration
+// file", "... is empty, ...", "... is not a text file", "... has no
+// section ...", "... has no version line ...", or the system's reason it
+// cannot be read) and answers false. Readers answer such files with their
+// defaults, which would hide the mistake.
+bool CheckConfigurationFile(const std::string& file, ConfigForm form);
 
 // WarnIfUtf8()
 //
@@ -123,12 +130,20 @@ void WarnIfUtf8(const std::string& file);
 // UseRegistryFile()
 //
 // Points the library's machine-wide registry at `file` when one is given
-// (a --registry option), then checks the file in force when one was named
-// by `file` or PELINOR_REGISTRY: true when it is a registry file; false
-// (after Fail()) when it is missing, unreadable or not a registry export.
-// Without either, the default store may be absent (the settings' defaults
-// apply) and true is answered.
-bool UseRegistryFile(const std::string& file);
+// (a --registry option). When the verb `needed` the registry this time,
+// checks the file in force if one was named by `file` or PELINOR_REGISTRY:
+// true when it is a registry file; false (after Fail()) when it is
+// missing, unreadable or not a registry export. The default store may be
+// absent (the settings' defaults apply).
+bool UseRegistryFile(const std::string& file, bool needed);
+
+// CheckPatternSpec()
+//
+// True when the Windows-1252 pattern specification `spec` is legal;
+// otherwise Fail()s with status 2 ("invalid pattern specification
+// \"...\": ..."), so that a bad specification is told apart from values
+// that do not match a good one (status 1).
+bool CheckPatternSpec(const std::string& spec);
 
 // ProgressWanted()
 //

@@ -101,6 +101,15 @@ class RegistryBackend {
 // registry-file store elsewhere.
 const RegistryBackend& SystemBackend();
 
+// UseBackend()
+//
+// Makes every registry call of this process go to `backend` (nullptr: back
+// to SystemBackend()). For programs that lay a value over the stores, such
+// as a locale given on the command line, and for tests.
+// REQUIRES: `backend` outlives its use; no registry call runs concurrently
+// with the switch.
+void UseBackend(const RegistryBackend* backend);
+
 // MachineStorePath()
 // UserStorePath()
 //
