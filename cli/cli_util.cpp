@@ -160,7 +160,11 @@ void Warn(std::string_view cp1252_message) {
 
 std::string FileErrorText(const std::string& file, std::string_view what,
                           int error) {
-  std::string text = PathText(file) + ": " + std::string(what);
+  // A library message that names the file already needs no prefix.
+  const std::string shown = PathText(file);
+  std::string text = what.find(shown) != std::string_view::npos
+                         ? std::string(what)
+                         : shown + ": " + std::string(what);
   if (error > 0) text += std::string(": ") + std::strerror(error);
   return text;
 }

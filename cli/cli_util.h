@@ -86,7 +86,9 @@ void PrintJsonLine(const nlohmann::json& value);
 // FileErrorText()
 //
 // "<file>: <what>: <system reason>", or "<file>: <what>" when `error` is 0;
-// `file` is a path as typed (not transcoded), `what` Windows-1252.
+// `file` is a path as typed (not transcoded), `what` Windows-1252. When
+// `what` names the file already ("Cannot create file <file>"), the leading
+// "<file>: " is left out.
 std::string FileErrorText(const std::string& file, std::string_view what,
                           int error);
 

@@ -400,6 +400,7 @@ void RunEntryShow(const QueueOptions& o) {
     FailOn(o.file, err);
     return;
   }
+  WarnIfUtf8(o.file);
   if (o.json) {
     PrintJson(EntryJson(e));
     return;
@@ -442,6 +443,7 @@ void RunRejectShow(const QueueOptions& o) {
     FailOn(o.file, err);
     return;
   }
+  WarnIfUtf8(o.file);
   if (o.json) {
     PrintJson({{"version", Json(e.Version)}, {"message", Json(message)}});
   } else {
