@@ -33,8 +33,11 @@ check "completion installed" \
   test -s "$PREFIX/share/bash-completion/completions/pelinor"
 
 internal() {
-  nm -DC --defined-only "$libdir/libpelinor.so" |
-    grep -E 'registry_internal|queue_internal|template_io|tag_records|month_tables|BlockArena|ArenaAllocator|std::' &&
+  # Symbol names (after the address and type), with any "typeinfo for "
+  # style prefix dropped.
+  nm -DC --defined-only "$libdir/libpelinor.so" | cut -d' ' -f3- |
+    sed -E 's/^(typeinfo name for|typeinfo for|vtable for|guard variable for) //' |
+    grep -E '^(std::|pelinor::(registry_internal|queue_internal|template_io|tag_records|month_tables|BlockArena|ArenaAllocator))' &&
     return 1
   nm -DC --defined-only "$libdir/libpelinor.so" | grep -q 'pelinor::cProfile::ReadSettings'
 }

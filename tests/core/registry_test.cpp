@@ -298,7 +298,15 @@ TEST(Registry, SkipsMalformedLines) {
     EXPECT_EQ(reg.RegGetStringValue(kHkeyLocalMachine, "Software\\Test", "ok",
                                     "dflt"),
               c.expected);
-    // Writing into the file keeps what could be read.
+    // Writing into a registry export keeps what could be read; a file
+    // without the header line is not the store's to replace.
+    if (!registry_internal::IsRegistryText(c.contents)) {
+      EXPECT_EQ(reg.RegSetStringValue(kHkeyLocalMachine, "Software\\Test",
+                                      "new", "v"),
+                -1);
+      EXPECT_EQ(ReadFile(stores.machine()), c.contents);
+      continue;
+    }
     EXPECT_EQ(
         reg.RegSetStringValue(kHkeyLocalMachine, "Software\\Test", "new", "v"),
         0);
@@ -500,7 +508,7 @@ TEST(Registry, ReportsStoresThatCannotBeWritten) {
 }
 
 // A store file that is not a registry export is someone else's file: a
-// write never replaces it, and reads find nothing in it.
+// write never replaces it.
 TEST(Registry, LeavesFilesThatAreNotRegistryExportsAlone) {
   struct Case {
     const char* name;
