@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "pelinor/text_file.h"  // LastFileError(), ClearFileError()
+
 namespace pelinor::cli {
 
 // Thrown by FromUtf8() for a character that Windows-1252 cannot hold; the

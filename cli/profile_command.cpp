@@ -114,14 +114,10 @@ void Show(const Props& props, bool json) {
   }
 }
 
-// Reports a library message; a file name in it is shown as it was typed.
-void FailWith(std::string message, const std::string& file) {
-  const size_t at = message.rfind(file);
-  if (!file.empty() && at != std::string::npos &&
-      at + file.size() == message.size()) {
-    message = message.substr(0, at) + PathText(file);
-  }
-  Fail(message);
+// Reports a library message about `file`, naming the file (as it was
+// typed) and the system's reason when there is one.
+void FailWith(const std::string& message, const std::string& file) {
+  FailFile(file, message);
 }
 
 template <typename T>
@@ -274,6 +270,7 @@ bool ReadProfile(const Options& opts, cProfile& profile) {
   if (!CheckConfigurationFile(opts.file, ConfigForm::kVersioned)) return false;
   WarnIfUtf8(opts.file);
   std::string err;
+  ClearFileError();
   if (profile.ReadSettings(ProfileName(opts), opts.file, err)) return true;
   FailWith(err, opts.file);
   return false;
@@ -288,6 +285,7 @@ void RunProfileWriteRecord(const Options& opts) {
   cProfile profile;
   if (!ReadProfile(opts, profile)) return;
   std::string err;
+  ClearFileError();
   if (!profile.WriteSettings(opts.out, err)) {
     FailWith(err, opts.out);
     return;
