@@ -92,6 +92,18 @@ bool ReportUnknownVerb(CLI::App& app, int argc, char** argv) {
   return false;
 }
 
+// "pelinor" and the verbs parsed so far, for pointing at the right help.
+std::string VerbPath(CLI::App& app) {
+  std::string path = "pelinor";
+  for (CLI::App* current = &app;;) {
+    const std::vector<CLI::App*> parsed = current->get_subcommands();
+    if (parsed.empty()) break;
+    current = parsed.front();
+    path += " " + current->get_name();
+  }
+  return path;
+}
+
 // Flushes standard output and gives the exit status: a failed write of the
 // output is an error of its own (status 1), except a closed pipe, which ends
 // the program quietly.
@@ -150,8 +162,9 @@ int main(int argc, char** argv) {
     app.exit(e);
     return Finish(0);
   } catch (const CLI::ParseError& e) {
-    pelinor::cli::Fail(
-        std::string(e.what()) + "\nRun 'pelinor --help' for usage.", 2);
+    pelinor::cli::Fail(std::string(e.what()) + "\nRun '" + VerbPath(app) +
+                           " --help' for usage.",
+                       2);
     return Finish(2);
   } catch (const pelinor::cli::EncodingError& e) {
     // The message names the character in UTF-8 already.

@@ -140,7 +140,8 @@ expect "a typo of a verb" 2 "pelinor: unknown verb 'formt' for pelinor; did you 
 expect "a typo of a sub-verb" 2 "did you mean 'show'?" -- queue shw x
 expect "an unknown option" 2 "pelinor: The following argument was not expected: --bogus" \
   -- validate -t 4 --bogus 1.00
-expect "a missing argument" 2 "pelinor: " -- settings get
+expect "a missing argument" 2 "pelinor: FILE is required
+Run 'pelinor settings get --help' for usage." -- settings get
 expect "an invalid value" 1 "" "not a valid AMOUNT" -- validate -t 4 abc
 expect "a valid value" 0 "" "ok" -- validate -t 4 1.00
 expect "an invalid pattern specification" 2 \
