@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 
@@ -114,6 +115,47 @@ TEST(CliProgram, AnswersVersionAndRejectsUnknownVerbs) {
   auto bad = testing::RunPelinor({"no-such-verb"});
   EXPECT_NE(bad.status, 0);
   EXPECT_FALSE(bad.err.empty());
+}
+
+TEST(CliFiles, TellConfigurationFromOtherFiles) {
+  testing::TempDir dir;
+  std::filesystem::create_directory(dir.File("dir"));
+  testing::WriteFile(dir.File("empty"), "");
+  testing::WriteFile(dir.File("blank"), " \r\n\r\n");
+  testing::WriteFile(dir.File("binary"), std::string("[A]\r\n\0\x01", 7));
+  testing::WriteFile(dir.File("plain"), "text\r\n");
+  testing::WriteFile(dir.File("sectioned"), "\r\n[Main]\r\nA:1\r\n");
+  testing::WriteFile(dir.File("versioned"), "ver0.946\r\n[Main]\r\n");
+  testing::WriteFile(dir.File("verx"), "verx\r\n[Main]\r\n");
+  struct Case {
+    const char* file;
+    ConfigForm form;
+    bool ok;
+  } cases[] = {
+      {"dir", ConfigForm::kSectioned, false},
+      {"none", ConfigForm::kSectioned, false},
+      {"empty", ConfigForm::kSectioned, false},
+      {"blank", ConfigForm::kVersioned, false},
+      {"binary", ConfigForm::kSectioned, false},
+      {"plain", ConfigForm::kSectioned, false},
+      {"plain", ConfigForm::kVersioned, false},
+      {"sectioned", ConfigForm::kSectioned, true},
+      {"sectioned", ConfigForm::kVersioned, false},
+      {"versioned", ConfigForm::kVersioned, true},
+      {"versioned", ConfigForm::kSectioned, true},
+      {"verx", ConfigForm::kVersioned, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.file);
+    SetExitStatus(0);
+    EXPECT_EQ(CheckConfigurationFile(dir.File(c.file), c.form), c.ok);
+    EXPECT_EQ(ExitStatus(), c.ok ? 0 : 1);
+  }
+  SetExitStatus(0);
+  EXPECT_EQ(FileErrorText("/x/d.tag", "cannot write", ENOSPC),
+            "/x/d.tag: cannot write: No space left on device");
+  EXPECT_EQ(FileErrorText("/x/d.tag", "Cannot create file /x/d.tag", 0),
+            "Cannot create file /x/d.tag");
 }
 
 // A program ended by a signal in the middle of a write leaves neither a
