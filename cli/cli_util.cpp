@@ -104,8 +104,12 @@ void InstallSignalHandlers() {
   std::memset(&action, 0, sizeof action);
   action.sa_handler = OnTerminatingSignal;
   sigemptyset(&action.sa_mask);
-  for (int sig : {SIGTERM, SIGINT, SIGHUP}) sigaction(sig, &action, nullptr);
-  std::signal(SIGPIPE, SIG_DFL);
+  // SIGPIPE too: a closed pipe ends the program quietly, as by default
+  // (whatever disposition the parent left), but without leaving temporary
+  // files behind.
+  for (int sig : {SIGTERM, SIGINT, SIGHUP, SIGPIPE}) {
+    sigaction(sig, &action, nullptr);
+  }
 }
 
 std::string FromUtf8(std::string_view s) { return Utf8Text(s, true); }

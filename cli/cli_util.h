@@ -180,8 +180,8 @@ std::string NearestName(std::string_view typed,
 //
 // Makes SIGTERM, SIGINT and SIGHUP remove the temporary files of writes in
 // flight (RemoveTemporaryFiles()) before the program dies of the signal as
-// it would have, and lets a closed pipe (SIGPIPE) end the program quietly
-// whatever disposition the parent left.
+// it would have; so does a closed pipe (SIGPIPE), which ends the program
+// quietly whatever disposition the parent left.
 void InstallSignalHandlers();
 
 // ExitStatus()

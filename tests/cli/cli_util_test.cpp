@@ -161,7 +161,7 @@ TEST(CliFiles, TellConfigurationFromOtherFiles) {
 // A program ended by a signal in the middle of a write leaves neither a
 // temporary file nor a half-written target, and still dies of that signal.
 TEST(CliSignals, RemoveTemporaryFilesOfWritesInFlight) {
-  for (int sig : {SIGTERM, SIGINT, SIGHUP}) {
+  for (int sig : {SIGTERM, SIGINT, SIGHUP, SIGPIPE}) {
     SCOPED_TRACE(sig);
     testing::TempDir dir;
     const std::string target = dir.File("out.txt");
