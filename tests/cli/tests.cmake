@@ -26,8 +26,10 @@ if(TARGET pelinor_cli)
             $<TARGET_FILE:pelinor_cli> ${PROJECT_SOURCE_DIR}
             ${PROJECT_BINARY_DIR})
 endif()
-# What a consumer of the installed package gets.
-if(TARGET pelinor_cli)
+# What a consumer of the installed package gets. Instrumented builds are
+# left out: a plain consumer cannot link their sanitizer-built libraries.
+if(TARGET pelinor_cli AND NOT PELINOR_SANITIZE AND NOT PELINOR_FUZZ AND
+   NOT PELINOR_COVERAGE AND NOT PELINOR_TSAN)
   add_test(NAME package
     COMMAND bash ${PROJECT_SOURCE_DIR}/tests/cli/package_test.sh
             ${PROJECT_BINARY_DIR})
