@@ -114,14 +114,10 @@ void Show(const Props& props, bool json) {
   }
 }
 
-// Reports a library message; a file name in it is shown as it was typed.
-void FailWith(std::string message, const std::string& file) {
-  const size_t at = message.rfind(file);
-  if (!file.empty() && at != std::string::npos &&
-      at + file.size() == message.size()) {
-    message = message.substr(0, at) + FromUtf8(file);
-  }
-  Fail(message);
+// Reports a library message about `file`, naming the file (as it was
+// typed) and the system's reason when there is one.
+void FailWith(const std::string& message, const std::string& file) {
+  FailFile(file, message);
 }
 
 template <typename T>
@@ -271,7 +267,10 @@ std::string ProfileName(const Options& opts) {
 }
 
 bool ReadProfile(const Options& opts, cProfile& profile) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kVersioned)) return false;
+  WarnIfUtf8(opts.file);
   std::string err;
+  ClearFileError();
   if (profile.ReadSettings(ProfileName(opts), opts.file, err)) return true;
   FailWith(err, opts.file);
   return false;
@@ -286,15 +285,18 @@ void RunProfileWriteRecord(const Options& opts) {
   cProfile profile;
   if (!ReadProfile(opts, profile)) return;
   std::string err;
+  ClearFileError();
   if (!profile.WriteSettings(opts.out, err)) {
     FailWith(err, opts.out);
     return;
   }
-  PrintLine("Wrote " + FromUtf8(opts.out) + " (record form, " +
+  PrintLine("Wrote " + PathText(opts.out) + " (record form, " +
             NumberText(profile.FieldTypes.Count()) + " field types)");
 }
 
 void RunDetectShow(const Options& opts) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kSectioned)) return;
+  WarnIfUtf8(opts.file);
   cTpDetectTypes detect;
   std::string err;
   if (!detect.ReadSettings(opts.file, err)) {
@@ -310,6 +312,8 @@ void RunDetectShow(const Options& opts) {
 }
 
 void RunScanShow(const Options& opts) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kSectioned)) return;
+  WarnIfUtf8(opts.file);
   cScanProfile scan;
   std::string err;
   if (!scan.ReadSettings(opts.file, err)) {
@@ -347,9 +351,10 @@ void AddProfileCommands(CLI::App& app) {
       "Read capture profiles: the settings form (version 0.91 and later) "
       "and the older record form");
   profile->footer(
-      "Exit status: 0 on success; 1 with the reader's message when the "
-      "profile cannot be read (\"Invalid version number\", \"Reading "
-      "profile. Unable to find ...\", \"Cannot find file ...\"). See "
+      "Exit status: 0 on success; 1 with the file's name and the reason "
+      "when the profile cannot be read: the system's reason, \"has no "
+      "version line\" for a file that is not a profile, or the reader's "
+      "message (\"Reading profile. Unable to find ...\"). See "
       "docs/formats/profile.md.");
   profile->require_subcommand(1);
   CLI::App* show = AddShow(

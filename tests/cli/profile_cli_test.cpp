@@ -70,15 +70,18 @@ TEST(ProfileCli, ShowsProfilesAndReportsReadErrors) {
       {{"profile", "show", dir.File("none.ini")},
        1,
        "",
-       "pelinor: Cannot find file " + dir.File("none.ini") + "\n"},
+       "pelinor: " + dir.File("none.ini") +
+           ": cannot read: No such file or directory\n"},
       {{"profile", "show", dir.File("short.ini")},
        1,
        "",
-       "pelinor: Invalid version number\n"},
+       "pelinor: " + dir.File("short.ini") +
+           ": has no version line (\"ver...\"), not a configuration file\n"},
       {{"profile", "show", dir.File("nomain.ini")},
        1,
        "",
-       "pelinor: Reading profile. Unable to find validation script. \n"},
+       "pelinor: " + dir.File("nomain.ini") +
+           ": Reading profile. Unable to find validation script. \n"},
   });
 
   const CommandResult r =
@@ -107,7 +110,8 @@ TEST(ProfileCli, WritesTheRecordForm) {
       {{"profile", "write-record", dir.File("p.ini"), dir.File("no/r.txt")},
        1,
        "",
-       "pelinor: Cannot create file " + dir.File("no/r.txt") + "\n"},
+       "pelinor: Cannot create file " + dir.File("no/r.txt") +
+           ": No such file or directory\n"},
   });
   EXPECT_EQ(ReadFile(out),
             "\"ver0.946\"\r\n\"ValidateScript:v.vbs\"\r\n"
@@ -162,12 +166,14 @@ TEST(DetectAndScanCli, ShowSettings) {
       {{"detect", "show", dir.File("detect.ini")},
        1,
        "",
-       "pelinor: Reading template detection config. Unable to find format. "
-       "\n"},
+       "pelinor: " + dir.File("detect.ini") +
+           ": Reading template detection config. Unable to find format. "
+           "\n"},
       {{"scan", "show", dir.File("none.ini")},
        1,
        "",
-       "pelinor: Cannot find file " + dir.File("none.ini") + "\n"},
+       "pelinor: " + dir.File("none.ini") +
+           ": cannot read: No such file or directory\n"},
   });
   WriteFile(dir.File("detect.ini"),
             "[MAIN]\r\nDiscardCount:1\r\nDiscard1:COPY\r\n"
