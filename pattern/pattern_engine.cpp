@@ -68,13 +68,13 @@ std::string cPatternEngine::CoerceShortMonth(const std::string& strWord) const {
 }
 
 void cPatternEngine::CoerceShortMonthInString(std::string& strInOut) const {
+  strInOut = UCase(strInOut);
   int count = 0;
   size_t lastPos = 0;
   int lastMonth = 0;
   for (size_t i = 0; i + 3 <= strInOut.size(); ++i) {
-    const char word[3] = {UpperChar(strInOut[i]), UpperChar(strInOut[i + 1]),
-                          UpperChar(strInOut[i + 2])};
-    const int m = mt::MonthOfKey(mt::MonthKey(std::string_view(word, 3)));
+    const int m =
+        mt::MonthOfKey(mt::MonthKey(std::string_view(strInOut).substr(i, 3)));
     if (m != 0) {
       ++count;
       lastPos = i;
@@ -121,15 +121,19 @@ bool cPatternEngine::coerceLanguageDate(int language, const std::string& strIn,
                                         std::string& strOut) {
   const std::string_view text(strIn);
   const size_t n = text.size();
-  // A zero or one directly before a letter is read as "o" or "l", so that
-  // "0ctobre" and "ju1l" still name their month.
-  const auto isWordChar = [&text, n](size_t k) {
-    if (mt::IsWordLetter(text[k])) return true;
-    return (text[k] == '0' || text[k] == '1') && k + 1 < n &&
-           mt::IsWordLetter(text[k + 1]);
+  // A digit or mark that looks like a letter belongs to a word when a
+  // letter follows it ("0ctobre", "ju1l") or when it ends a word ("AU6"),
+  // so that a number written right after a month ("OCT2003") stays a
+  // number.
+  const auto isLookAlike = [&text](size_t k) {
+    return !mt::LookAlikeLetters(text[k]).empty();
   };
-  const auto folded = [&text](size_t k) {
-    return text[k] == '0' ? 'o' : text[k] == '1' ? 'l' : mt::FoldChar(text[k]);
+  const auto isWordChar = [&](size_t k) {
+    if (mt::IsWordLetter(text[k])) return true;
+    if (!isLookAlike(k)) return false;
+    if (k + 1 < n && mt::IsWordLetter(text[k + 1])) return true;
+    return k > 0 && mt::IsWordLetter(text[k - 1]) &&
+           (k + 1 == n || !IsDigit(text[k + 1]));
   };
 
   std::string word;
@@ -146,10 +150,10 @@ bool cPatternEngine::coerceLanguageDate(int language, const std::string& strIn,
     size_t j = i;
     word.clear();
     while (j < n && isWordChar(j) && word.size() <= kLongestMonthWord) {
-      word += folded(j++);
+      word += text[j++];
     }
     if (word.size() > kLongestMonthWord) continue;  // keeps long runs linear
-    const int m = mt::MatchMonthWord(language, word);
+    const int m = mt::MatchMonthWordRepaired(language, word);
     if (m == 0) continue;
     if (!runsFound) {
       runs = FindNumberRuns(text, &cFormat::IsDateNumberChar);
@@ -234,11 +238,16 @@ void cPatternEngine::CoerceDate(const std::string& strIn, std::string& strOut,
     ok = coerceNameDate(strIn, strOut);
   }
   if (!ok) {
-    // The general coercion: the formatter's reading of the same format.
+    // The general coercion: first the month names of every language (a
+    // name says more than stray digits), then the formatter's reading of
+    // the same format.
+    for (int language = 0; !ok && language < mt::kLanguageCount; ++language) {
+      ok = coerceLanguageDate(language, strIn, strOut);
+    }
     std::string day, month, year;
     float confidence = 0;
-    if (cFormat().ValidateRawDate(strIn, day, month, year, confidence,
-                                  strDateFormat)) {
+    if (!ok && cFormat().ValidateRawDate(strIn, day, month, year, confidence,
+                                         strDateFormat)) {
       strOut = day + "/" + month + "/" + year;
       ok = true;
     }

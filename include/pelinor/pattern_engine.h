@@ -16,6 +16,7 @@
 #define PELINOR_PATTERN_ENGINE_H_
 
 #include <string>
+#include <string_view>
 
 // Pattern specifications and matching.
 #include <cstdint>
@@ -30,6 +31,10 @@
 // End of pattern specifications and matching.
 
 namespace pelinor {
+
+namespace internal {
+class SpecProgram;
+}  // namespace internal
 
 // Pattern specifications and matching: the messages.
 inline constexpr char kNestedGroupError[] =
@@ -230,6 +235,12 @@ class cPatternEngine {
                           std::vector<std::string>& variations);
   // Joins each candidate's match values into its candidate text.
   void BuildCandidateTexts();
+  // Runs RegExpFormat over `text` with Global set: through the loaded
+  // specification's own matcher while RegExpFormat is the expression the
+  // load assembled, else through the regular-expression object.
+  // REQUIRES: EnsureRegExp() succeeded.
+  bool RunExpression(std::string_view text, cMatchCollection& matches,
+                     std::string& strErrMsg);
 
   std::vector<cPatternElement> elements_;
   cMetaRules meta_rules_;
@@ -237,6 +248,10 @@ class cPatternEngine {
   std::vector<cPatternCandidate> candidates_;
   std::string evaluated_text_;
   int32_t variation_count_ = 0;
+  // The last loaded specification's matcher and the expression it stands
+  // for; null when the specification is too long for it.
+  std::shared_ptr<const internal::SpecProgram> program_;
+  std::string loaded_expression_;
   // End of pattern specifications and matching.
 
   // Reads a date with a month name of the table `language` (an index of
