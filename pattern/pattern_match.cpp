@@ -467,6 +467,7 @@ void cPatternEngine::BuildCandidateTexts() {
 
 void cPatternEngine::BestCandidateWhole(std::string& strValue, bool& bSuccess) {
   bSuccess = false;
+  best_ = -1;
   strValue.clear();
   std::string error;
   if (!EnsureRegExp(error)) return;
@@ -481,6 +482,7 @@ void cPatternEngine::BestCandidateWhole(std::string& strValue, bool& bSuccess) {
   }
   if (best == nullptr || best->Text.size() != evaluated_text_.size()) return;
   strValue = best->Text;
+  best_ = static_cast<int32_t>(best - candidates_.data());
   bSuccess = true;
 }
 
@@ -488,6 +490,7 @@ void cPatternEngine::BestCandidateSubPattern(std::string& strValue,
                                              bool bKeepSurrounding,
                                              bool& bSuccess) {
   bSuccess = false;
+  best_ = -1;
   strValue.clear();
   BuildCandidateTexts();
   const cPatternCandidate* best = nullptr;
@@ -495,6 +498,7 @@ void cPatternEngine::BestCandidateSubPattern(std::string& strValue,
     if (c.Text.size() > (best == nullptr ? 0 : best->Text.size())) best = &c;
   }
   if (best == nullptr) return;
+  best_ = static_cast<int32_t>(best - candidates_.data());
   if (!bKeepSurrounding) {
     strValue = best->Text;
     bSuccess = true;

@@ -27,6 +27,7 @@
 #include "pelinor/collection.h"
 #include "pelinor/pattern_element.h"
 #include "pelinor/reg_exp.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/sbs_char_replace.h"
 // End of pattern specifications and matching.
 
@@ -154,6 +155,13 @@ class cPatternEngine {
   const std::string& EvaluatedText() const { return evaluated_text_; }
   int32_t VariationCount() const { return variation_count_; }
 
+  // BestCandidateIndex()
+  //
+  // The zero-based index in Candidates() of the candidate the last
+  // BestCandidateWhole() or BestCandidateSubPattern() chose; -1 when it
+  // chose none.
+  int32_t BestCandidateIndex() const { return best_; }
+
   // =====================================================================
   // Month-name and date coercion
   // =====================================================================
@@ -174,7 +182,9 @@ class cPatternEngine {
   // its abbreviation; with none or several the text stays as it is. Logs
   // "cPatternEngine.CoerceShortMonthInString:monthCount=<n>" and
   // "cPatternEngine.CoerceShortMonthInString:strInOut=<text>".
-  void CoerceShortMonthInString(std::string& strInOut) const;
+  // With `trace`, a repaired abbreviation is recorded as "month-repaired".
+  void CoerceShortMonthInString(std::string& strInOut,
+                                cRepairTrace* trace = nullptr) const;
 
   // coerceNameDate()
   //
@@ -184,7 +194,8 @@ class cPatternEngine {
   // "HalvernLocale". False, with `strOut` unchanged, when no such date is
   // found. Logs "cPatternEngine.coerceNameDate(<text>)" and
   // "cPatternEngine.coerceNameDate post CoerceShortMonthInString-><text>".
-  bool coerceNameDate(const std::string& strIn, std::string& strOut) const;
+  bool coerceNameDate(const std::string& strIn, std::string& strOut,
+                      cRepairTrace* trace = nullptr) const;
 
   // coerceFrenchDate()
   // coercePortugueseDate()
@@ -212,8 +223,13 @@ class cPatternEngine {
   // English ones. When that fails, the general coercion reads the text as
   // cFormat::FormatDate() does for the same format name. `bSuccess` tells
   // whether `strOut` was set; on failure `strOut` is unchanged.
+  //
+  // With `trace`, each step that changed or interpreted the text is
+  // appended to it (docs/repair-trace.md); with the format log on, the
+  // steps are also logged after the existing lines.
   void CoerceDate(const std::string& strIn, std::string& strOut,
-                  const std::string& strDateFormat, bool& bSuccess) const;
+                  const std::string& strDateFormat, bool& bSuccess,
+                  cRepairTrace* trace = nullptr) const;
 
   // =====================================================================
   // Format log
@@ -248,6 +264,7 @@ class cPatternEngine {
   std::vector<cPatternCandidate> candidates_;
   std::string evaluated_text_;
   int32_t variation_count_ = 0;
+  int32_t best_ = -1;
   // The last loaded specification's matcher and the expression it stands
   // for; null when the specification is too long for it.
   std::shared_ptr<const internal::SpecProgram> program_;
@@ -256,8 +273,17 @@ class cPatternEngine {
 
   // Reads a date with a month name of the table `language` (an index of
   // the month tables) and writes its stored form to `strOut`.
+  // With `trace`, the month word is recorded; `formatLanguage` is the
+  // language the date format asked for, so that a name read in another one
+  // is recorded too.
   static bool coerceLanguageDate(int language, const std::string& strIn,
-                                 std::string& strOut);
+                                 std::string& strOut,
+                                 cRepairTrace* trace = nullptr,
+                                 int formatLanguage = -1);
+  // Records the year, day/month order and layout steps of a coerced date.
+  static void TraceDateResult(const std::string& strIn,
+                              const std::string& strOut, bool named,
+                              cRepairTrace& trace);
 };
 
 }  // namespace pelinor

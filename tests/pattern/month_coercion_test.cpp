@@ -182,6 +182,9 @@ TEST(CoerceDate, LogsTheEnglishCoercion) {
       "cPatternEngine.CoerceShortMonthInString:strInOut=12 OCT 2003",
       "cPatternEngine.coerceNameDate post CoerceShortMonthInString->12 OCT "
       "2003",
+      // The repair steps follow the existing lines.
+      "Repair:month-repaired:repair:4:0CT read as OCT",
+      "Repair:date-layout:cosmetic:0:written as 12/10/2003",
   };
   EXPECT_EQ(env.LogMessages(), expected);
 }
