@@ -154,7 +154,8 @@ bool cFormat::FormatCurrencyValue(const std::string& value, std::string& out,
                                   bool gbMode, const std::string& countryText,
                                   bool trustPoint, cRepairTrace* trace) const {
   std::string work = value;
-  std::vector<int32_t> origin;
+  AmountScan scan;
+  std::vector<int32_t>& origin = scan.origin;
   if (trace == nullptr) {
     if (!countryText.empty()) RemoveSubstring(work, countryText);
   } else {
@@ -176,7 +177,7 @@ bool cFormat::FormatCurrencyValue(const std::string& value, std::string& out,
   }
   out.clear();
   const bool ok = FormatNumericCurrency(work, out, gbMode, trustPoint, trace,
-                                        trace != nullptr ? &origin : nullptr);
+                                        trace != nullptr ? &scan : nullptr);
   if (!trustPoint && ok) {
     const std::string digits = out;
     // Two implied decimals; a single digit gets ".00" instead, so "5" reads
@@ -186,13 +187,14 @@ bool cFormat::FormatCurrencyValue(const std::string& value, std::string& out,
     } else if (out.size() == 1) {
       out += ".00";
     }
-    if (trace != nullptr) TraceImpliedDecimals(work, digits, out, *trace);
+    if (trace != nullptr) {
+      TraceImpliedDecimals(scan.decimals, digits, out, *trace);
+    }
   }
   return ok;
 }
 
-void cFormat::TraceImpliedDecimals(const std::string& work,
-                                   const std::string& digits,
+void cFormat::TraceImpliedDecimals(int32_t decimals, const std::string& digits,
                                    const std::string& out,
                                    cRepairTrace& trace) {
   if (digits.size() == 1) {
@@ -200,16 +202,10 @@ void cFormat::TraceImpliedDecimals(const std::string& work,
               out);
     return;
   }
-  if (digits.size() < 2) return;
-  // A point written with two digits after it is where the implied point
+  // A point read with two digits after it is where the implied point
   // goes: nothing was decided.
-  const size_t point = work.rfind('.');
-  if (point != std::string::npos) {
-    size_t after = 0;
-    for (size_t i = point + 1; i < work.size(); ++i) {
-      if (IsDigit(BiasCharToNumber(work[i]))) ++after;
-    }
-    if (after == 2) return;
+  if (digits.size() < 2 || decimals == 2) return;
+  if (decimals >= 0) {
     trace.Add("point-moved",
               "decimal point ignored, last two digits taken as pence", 0,
               digits, out);
@@ -221,8 +217,7 @@ void cFormat::TraceImpliedDecimals(const std::string& work,
 
 bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
                                     bool gbMode, bool trustPoint,
-                                    cRepairTrace* t,
-                                    const std::vector<int32_t>* origin) const {
+                                    cRepairTrace* t, AmountScan* scan) const {
   const bool log = FormatLogOn();
   if (log) LogFormatMessage("--> FormatNumericCurrency: " + value);
   std::string_view text = Trim(value);
@@ -230,8 +225,8 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
   const size_t trimmed = static_cast<size_t>(text.data() - value.data());
   const auto where = [&](size_t i) {
     const size_t k = trimmed + i;
-    return origin != nullptr && k < origin->size()
-               ? (*origin)[k]
+    return scan != nullptr && k < scan->origin.size()
+               ? scan->origin[k]
                : static_cast<int32_t>(k + 1);
   };
 
@@ -273,6 +268,7 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
       result += c;
       digitSeen = true;
       junk = 0;
+      if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
       continue;
     }
     if (c == '-') {
@@ -292,6 +288,7 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
     if (IsDigit(biased)) {
       if (t != nullptr) TraceBias(t, text, i, biased, where(i + skipped));
       result += biased;
+      if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
       continue;
     }
     if (c == '.' && trustPoint) {
@@ -310,6 +307,7 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
     }
     if (c == '.' || c == ' ' || c == ',') {
       if (c != '.' && separators++ == 0) firstSeparator = where(i + skipped);
+      if (c == '.' && scan != nullptr) scan->decimals = 0;
       continue;
     }
     if (t != nullptr) {
@@ -360,7 +358,7 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
 
 bool cFormat::FormatNumeric(const std::string& value, std::string& out,
                             int32_t code, cRepairTrace* trace) const {
-  const bool log = trace == nullptr && FormatLogOn();
+  const bool log = FormatLogOn();
   cRepairTrace local;
   cRepairTrace* t = TraceFor(trace, local, log);
   const size_t first = t != nullptr ? t->Size() : 0;

@@ -139,7 +139,7 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
 
   bool executed = false;
   // The text as given, kept only when its repairs are wanted.
-  const bool formatLog = trace == nullptr && !FormatLogPath().empty();
+  const bool formatLog = !FormatLogPath().empty();
   std::string original;
   if (trace != nullptr || formatLog) original = strText;
   engine.Execute(strText, strErrMsg, executed);

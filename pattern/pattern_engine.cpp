@@ -273,7 +273,7 @@ bool cPatternEngine::coerceItalianDate(const std::string& strIn,
 void cPatternEngine::CoerceDate(const std::string& strIn, std::string& strOut,
                                 const std::string& strDateFormat,
                                 bool& bSuccess, cRepairTrace* trace) const {
-  const bool log = trace == nullptr && FormatLogOn();
+  const bool log = FormatLogOn();
   cRepairTrace local;
   cRepairTrace* t = trace != nullptr ? trace : (log ? &local : nullptr);
   const size_t first = t != nullptr ? t->Size() : 0;

@@ -197,20 +197,24 @@ class cFormat {
                            bool gbMode, const std::string& countryText,
                            bool trustPoint,
                            cRepairTrace* trace = nullptr) const;
-  // `origin`, when given, holds the one-based position in the caller's
-  // text of each character of `value`, for the trace.
-  bool FormatNumericCurrency(
-      const std::string& value, std::string& out, bool gbMode, bool trustPoint,
-      cRepairTrace* trace = nullptr,
-      const std::vector<int32_t>* origin = nullptr) const;
+  // What a traced amount scan tells the implied-decimal step: where each
+  // character of the scanned text came from (one-based, in the caller's
+  // text) and how many digits followed the last point read (-1: none).
+  struct AmountScan {
+    std::vector<int32_t> origin;
+    int32_t decimals = -1;
+  };
+  bool FormatNumericCurrency(const std::string& value, std::string& out,
+                             bool gbMode, bool trustPoint,
+                             cRepairTrace* trace = nullptr,
+                             AmountScan* scan = nullptr) const;
   // FormatPostCode() without tracing, and the trace of its result.
   bool FormatPostCodeSteps(const std::string& value, std::string& out,
                            int32_t code) const;
   static void TracePostCode(const std::string& value, const std::string& out,
                             cRepairTrace& trace);
   // Records how the implied decimal point of an amount was decided.
-  static void TraceImpliedDecimals(const std::string& work,
-                                   const std::string& digits,
+  static void TraceImpliedDecimals(int32_t decimals, const std::string& digits,
                                    const std::string& out, cRepairTrace& trace);
   static void RemoveSubstring(std::string& value, std::string_view part);
   static void RemoveChar(std::string& value, char c);
