@@ -298,6 +298,45 @@ std::optional<std::string> CanonicalKeyPath(std::string_view path) {
 // ---------------------------------------------------------------------------
 // The file
 
+bool IsRegistryText(std::string_view bytes) {
+  if (bytes.empty()) return true;
+  const bool utf16 =
+      bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE';
+  if (!utf16 && bytes.find('\0') != std::string_view::npos) return false;
+  const std::string text = DecodeFile(bytes);
+  if (utf16 && text.find('\0') != std::string::npos) return false;
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t end = text.find_first_of("\r\n", pos);
+    if (end == std::string::npos) end = text.size();
+    const std::string_view line =
+        TrimBlanks(std::string_view(text).substr(pos, end - pos));
+    if (!line.empty()) return line == kHeader5 || line == kHeader4;
+    pos = end + 1;
+  }
+  return false;
+}
+
+StoreFileState InspectStoreFile(const std::string& file, int* error) {
+  std::error_code ec;
+  (void)std::filesystem::status(file, ec);
+  if (ec) {
+    if (ec == std::errc::no_such_file_or_directory) {
+      return StoreFileState::kMissing;
+    }
+    if (error != nullptr) *error = ec.value();
+    return StoreFileState::kUnreadable;
+  }
+  TextReader reader;
+  ClearFileError();
+  if (!reader.Open(file)) {
+    if (error != nullptr) *error = LastFileError();
+    return StoreFileState::kUnreadable;
+  }
+  return IsRegistryText(reader.Data()) ? StoreFileState::kReady
+                                       : StoreFileState::kForeign;
+}
+
 RegFile RegFile::Parse(std::string_view bytes) {
   TextReader reader;
   reader.OpenText(DecodeFile(bytes));
@@ -513,13 +552,13 @@ std::string FullPath(const Location& loc, std::string_view key_path) {
 }
 
 // Reads the store; a missing file is an empty store. False when the file
-// exists but cannot be read.
+// exists but cannot be read or is not a registry export, so that a change
+// never replaces a file that is not the store's own.
 bool LoadStore(const std::string& file, RegFile& contents) {
   TextReader reader;
-  if (!reader.Open(file)) {
-    contents = RegFile();
-    return !FileExists(file);
-  }
+  contents = RegFile();
+  if (!reader.Open(file)) return !FileExists(file);
+  if (!IsRegistryText(reader.Data())) return false;
   contents = RegFile::Parse(reader.Data());
   return true;
 }

@@ -5,9 +5,24 @@
 
 #include "pelinor/registry.h"
 
+#include <atomic>
+
 #include "reg_file_store.h"
 
 namespace pelinor {
+namespace registry_internal {
+namespace {
+
+std::atomic<const RegistryBackend*> backend_in_use{nullptr};
+
+}  // namespace
+
+void UseBackend(const RegistryBackend* backend) {
+  backend_in_use.store(backend);
+}
+
+}  // namespace registry_internal
+
 namespace {
 
 using registry_internal::QueryResult;
@@ -24,7 +39,9 @@ constexpr int32_t kStatusWriteFailed = -10;
 constexpr int32_t kInvalidProcedureCall = 5;
 
 const registry_internal::RegistryBackend& Backend() {
-  return registry_internal::SystemBackend();
+  const registry_internal::RegistryBackend* chosen =
+      registry_internal::backend_in_use.load();
+  return chosen != nullptr ? *chosen : registry_internal::SystemBackend();
 }
 
 int32_t SetStatus(SetResult result) {
