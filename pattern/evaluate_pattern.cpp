@@ -4,15 +4,19 @@
 #include "pelinor/evaluate_pattern.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "pelinor/file_system.h"
 #include "pelinor/log.h"
 #include "pelinor/registry.h"
 #include "pelinor/repair_trace.h"
+#include "pelinor/settings_snapshot.h"
 
 namespace pelinor {
+
 namespace {
 
 // Records what the chosen candidate changed: the spaces removed, each
@@ -88,20 +92,61 @@ void TraceEvaluation(const cPatternEngine& engine, const std::string& original,
   }
 }
 
-}  // namespace
-
-std::string CharMapPath() {
-  std::string dir = ReadServerSetting(kProfileDirValue, "");
-  if (dir.empty()) return "";
-  return JoinPath(dir, kCharMapFileName);
+// Gives a new engine the mapping file's table, read now. False, with
+// `strErrMsg` set, when the file exists but cannot be read.
+bool LoadMappings(cPatternEngine& engine, std::string& strErrMsg) {
+  const std::string map_path = CharMapPath();
+  return map_path.empty() || !FileExists(map_path) ||
+         engine.LoadCharacterMappings(map_path, strErrMsg);
 }
 
-bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
-                         const std::string& strPatternSpec, bool bCoerce,
-                         bool bSuppressSpaces, bool bWhole,
-                         bool bKeepSurrounding, std::string& strOutput,
-                         std::string& strErrMsg, const std::string& strLogFile,
-                         cRepairTrace* trace) {
+// Engines that have loaded a specification, kept per thread for the
+// snapshot they were made with: an engine runs any number of texts after
+// one LoadSBSExpression(), so evaluations through a snapshot neither
+// parse the specification nor build an engine again.
+struct LoadedEngine {
+  std::unique_ptr<cPatternEngine> engine;
+  bool loaded = false;
+};
+struct EngineCache {
+  uint64_t snapshot_id = 0;
+  std::unordered_map<std::string, LoadedEngine> engines;
+};
+// Specifications kept per thread; a batch uses a few dozen.
+constexpr size_t kCachedEngines = 256;
+thread_local EngineCache engine_cache;
+
+LoadedEngine& CachedEngine(const cSettingsSnapshot& snapshot,
+                           const std::string& strPatternSpec) {
+  EngineCache& cache = engine_cache;
+  if (cache.snapshot_id != snapshot.Id()) {
+    cache.engines.clear();
+    cache.snapshot_id = snapshot.Id();
+  }
+  auto it = cache.engines.find(strPatternSpec);
+  if (it != cache.engines.end()) return it->second;
+  if (cache.engines.size() >= kCachedEngines) cache.engines.clear();
+  LoadedEngine e;
+  e.engine = std::make_unique<cPatternEngine>();
+  if (snapshot.CharMapper()) {
+    // Copies share the loaded table until one is changed.
+    e.engine->CharMapper =
+        std::make_shared<cCharMapper>(*snapshot.CharMapper());
+  }
+  std::string load_error;
+  e.engine->LoadSBSExpression(strPatternSpec, load_error, e.loaded);
+  return cache.engines.emplace(strPatternSpec, std::move(e)).first->second;
+}
+
+// The evaluation on `engine`, newly made, or with `engine` null on the
+// engine cached for `snapshot`. With a snapshot, its mappings are used and
+// no file is read.
+bool Evaluate(cPatternEngine* engine, std::string& strText,
+              const std::string& strPatternSpec, bool bCoerce,
+              bool bSuppressSpaces, bool bWhole, bool bKeepSurrounding,
+              std::string& strOutput, std::string& strErrMsg,
+              const std::string& strLogFile, const cSettingsSnapshot* snapshot,
+              cRepairTrace* trace) {
   strErrMsg.clear();
   // Messages are only built when there is a log to write them to.
   const bool logging = !strLogFile.empty();
@@ -112,19 +157,31 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
                                   (bCoerce ? " Coertion:on" : " Coertion:off"));
   }
 
-  const std::string map_path = CharMapPath();
-  if (!map_path.empty() && FileExists(map_path) &&
-      !engine.LoadCharacterMappings(map_path, strErrMsg)) {
+  bool loaded = false;
+  if (snapshot != nullptr && !snapshot->CharMapError().empty()) {
+    strErrMsg = snapshot->CharMapError();
     AppendLogLine(strLogFile, strErrMsg);
     return false;
   }
-
-  engine.PerformCoertion = bCoerce;
-  engine.SuppressSpaces = bSuppressSpaces;
-
-  bool loaded = false;
-  std::string load_error;
-  engine.LoadSBSExpression(strPatternSpec, load_error, loaded);
+  if (engine == nullptr) {
+    LoadedEngine& cached = CachedEngine(*snapshot, strPatternSpec);
+    engine = cached.engine.get();
+    loaded = cached.loaded;
+  } else {
+    if (snapshot != nullptr) {
+      if (snapshot->CharMapper()) {
+        engine->CharMapper =
+            std::make_shared<cCharMapper>(*snapshot->CharMapper());
+      }
+    } else if (!LoadMappings(*engine, strErrMsg)) {
+      AppendLogLine(strLogFile, strErrMsg);
+      return false;
+    }
+    std::string load_error;
+    engine->LoadSBSExpression(strPatternSpec, load_error, loaded);
+  }
+  engine->PerformCoertion = bCoerce;
+  engine->SuppressSpaces = bSuppressSpaces;
   if (!loaded) {
     // Matching still runs, with whatever expression the engine holds, and
     // decides the result.
@@ -134,7 +191,7 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
 
   if (logging) {
     AppendLogLine(strLogFile,
-                  "Applying regular expression '" + engine.RegExpFormat + "'");
+                  "Applying regular expression '" + engine->RegExpFormat + "'");
   }
 
   bool executed = false;
@@ -142,7 +199,7 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
   const bool formatLog = !FormatLogPath().empty();
   std::string original;
   if (trace != nullptr || formatLog) original = strText;
-  engine.Execute(strText, strErrMsg, executed);
+  engine->Execute(strText, strErrMsg, executed);
   if (!executed) {
     AppendLogLine(strLogFile, strErrMsg);
     return false;
@@ -151,9 +208,9 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
   std::string value;
   bool chosen = false;
   if (bWhole) {
-    engine.BestCandidateWhole(value, chosen);
+    engine->BestCandidateWhole(value, chosen);
   } else {
-    engine.BestCandidateSubPattern(value, bKeepSurrounding, chosen);
+    engine->BestCandidateSubPattern(value, bKeepSurrounding, chosen);
   }
   if (!chosen) {
     strErrMsg = kPatternValidationError;
@@ -166,20 +223,57 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
     cRepairTrace local;
     cRepairTrace* t = trace != nullptr ? trace : &local;
     const size_t first = t->Size();
-    TraceEvaluation(engine, original, bWhole, bKeepSurrounding, *t);
+    TraceEvaluation(*engine, original, bWhole, bKeepSurrounding, *t);
     if (formatLog) LogRepairSteps(*t, first);
   }
   return true;
+}
+
+}  // namespace
+
+std::string CharMapPath() {
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    return snapshot->CharMapPath();
+  }
+  const std::string dir = ServerProfileDir();
+  if (dir.empty()) return "";
+  return JoinPath(dir, kCharMapFileName);
+}
+
+bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
+                         const std::string& strPatternSpec, bool bCoerce,
+                         bool bSuppressSpaces, bool bWhole,
+                         bool bKeepSurrounding, std::string& strOutput,
+                         std::string& strErrMsg, const std::string& strLogFile,
+                         cRepairTrace* trace) {
+  return Evaluate(&engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                  bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                  cSettingsSnapshot::Current(), trace);
 }
 
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bCoerce, bool bSuppressSpaces, bool bWhole,
                      bool bKeepSurrounding, std::string& strOutput,
                      std::string& strErrMsg, const std::string& strLogFile) {
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    return Evaluate(nullptr, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                    bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                    snapshot, nullptr);
+  }
   cPatternEngine engine;
-  return EvaluatePatternWith(engine, strText, strPatternSpec, bCoerce,
-                             bSuppressSpaces, bWhole, bKeepSurrounding,
-                             strOutput, strErrMsg, strLogFile);
+  return Evaluate(&engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                  bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                  nullptr, nullptr);
+}
+
+bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
+                     bool bCoerce, bool bSuppressSpaces, bool bWhole,
+                     bool bKeepSurrounding, std::string& strOutput,
+                     std::string& strErrMsg, const std::string& strLogFile,
+                     const cSettingsSnapshot& settings, cRepairTrace* trace) {
+  return Evaluate(nullptr, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                  bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                  &settings, trace);
 }
 
 bool ValidatePatternValue(const std::string& strText,
@@ -187,9 +281,23 @@ bool ValidatePatternValue(const std::string& strText,
                           std::string& strValue, std::string& strErrMsg,
                           cRepairTrace* trace) {
   std::string text = strText;
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    return Evaluate(nullptr, text, strPatternSpec, bCoerce, false, true, false,
+                    strValue, strErrMsg, "", snapshot, trace);
+  }
   cPatternEngine engine;
-  return EvaluatePatternWith(engine, text, strPatternSpec, bCoerce, false, true,
-                             false, strValue, strErrMsg, "", trace);
+  return Evaluate(&engine, text, strPatternSpec, bCoerce, false, true, false,
+                  strValue, strErrMsg, "", nullptr, trace);
+}
+
+bool ValidatePatternValue(const std::string& strText,
+                          const std::string& strPatternSpec, bool bCoerce,
+                          std::string& strValue, std::string& strErrMsg,
+                          const cSettingsSnapshot& settings,
+                          cRepairTrace* trace) {
+  std::string text = strText;
+  return EvaluatePattern(text, strPatternSpec, bCoerce, false, true, false,
+                         strValue, strErrMsg, "", settings, trace);
 }
 
 }  // namespace pelinor

@@ -7,4 +7,5 @@ set(PELINOR_PATTERN_SOURCES
   pattern/pattern_match.cpp
   pattern/spec_matcher.cpp
   pattern/evaluate_pattern.cpp
+  pattern/settings_snapshot.cpp
 )
