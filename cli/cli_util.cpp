@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -87,7 +88,25 @@ size_t EditDistance(std::string_view a, std::string_view b) {
   return row[b.size()];
 }
 
+// Removes the temporary files of writes in flight, then dies of the signal
+// as if it had not been caught, so the parent sees the true cause. Only
+// async-signal-safe calls.
+extern "C" void OnTerminatingSignal(int sig) {
+  RemoveTemporaryFiles();
+  std::signal(sig, SIG_DFL);
+  std::raise(sig);
+}
+
 }  // namespace
+
+void InstallSignalHandlers() {
+  struct sigaction action;
+  std::memset(&action, 0, sizeof action);
+  action.sa_handler = OnTerminatingSignal;
+  sigemptyset(&action.sa_mask);
+  for (int sig : {SIGTERM, SIGINT, SIGHUP}) sigaction(sig, &action, nullptr);
+  std::signal(SIGPIPE, SIG_DFL);
+}
 
 std::string FromUtf8(std::string_view s) { return Utf8Text(s, true); }
 

@@ -174,6 +174,14 @@ std::string WrapText(std::string_view text, size_t width);
 std::string NearestName(std::string_view typed,
                         const std::vector<std::string>& names);
 
+// InstallSignalHandlers()
+//
+// Makes SIGTERM, SIGINT and SIGHUP remove the temporary files of writes in
+// flight (RemoveTemporaryFiles()) before the program dies of the signal as
+// it would have, and lets a closed pipe (SIGPIPE) end the program quietly
+// whatever disposition the parent left.
+void InstallSignalHandlers();
+
 // ExitStatus()
 //
 // The status the program exits with; 0 until Fail() or SetExitStatus().

@@ -336,7 +336,8 @@ CLI::App* AddVerb(CLI::App& app, const char* name, const char* description,
       ->type_name("FILE");
   cmd->footer(
       "Prints one line per value: the value, a tab and the result or the "
-      "error text. Exits with status 1 when any value fails. With "
+      "error text. Exits with status 1 when any value fails, 2 for an "
+      "invalid --spec or --locale. With "
       "PELINORLOGFORMAT set, the format log lines are appended to that "
       "file. Rules: docs/formats/amounts.md and docs/formats/dates.md.");
   return cmd;

@@ -8,7 +8,6 @@
 #include <pcre2.h>
 
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -21,24 +20,6 @@
 #include "pelinor/version.h"
 
 namespace {
-
-// Removes the temporary files of writes in flight, then dies of the signal
-// as if it had not been caught, so the parent sees the true cause.
-extern "C" void OnTerminatingSignal(int sig) {
-  pelinor::RemoveTemporaryFiles();
-  std::signal(sig, SIG_DFL);
-  std::raise(sig);
-}
-
-void InstallSignalHandlers() {
-  struct sigaction action;
-  std::memset(&action, 0, sizeof action);
-  action.sa_handler = OnTerminatingSignal;
-  sigemptyset(&action.sa_mask);
-  for (int sig : {SIGTERM, SIGINT, SIGHUP}) sigaction(sig, &action, nullptr);
-  // A closed pipe ends the program quietly, whatever the parent left set.
-  std::signal(SIGPIPE, SIG_DFL);
-}
 
 std::string VersionText() {
   char pcre2[64] = "";
@@ -125,7 +106,7 @@ int Finish(int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  InstallSignalHandlers();
+  pelinor::cli::InstallSignalHandlers();
   CLI::App app{
       "pelinor: capture profiles, templates, document data, the work queue "
       "and OCR value checks"};

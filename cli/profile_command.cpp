@@ -353,9 +353,10 @@ void AddProfileCommands(CLI::App& app) {
       "Read capture profiles: the settings form (version 0.91 and later) "
       "and the older record form");
   profile->footer(
-      "Exit status: 0 on success; 1 with the reader's message when the "
-      "profile cannot be read (\"Invalid version number\", \"Reading "
-      "profile. Unable to find ...\", \"Cannot find file ...\"). See "
+      "Exit status: 0 on success; 1 with the file's name and the reason "
+      "when the profile cannot be read: the system's reason, \"has no "
+      "version line\" for a file that is not a profile, or the reader's "
+      "message (\"Reading profile. Unable to find ...\"). See "
       "docs/formats/profile.md.");
   profile->require_subcommand(1);
   CLI::App* show = AddShow(

@@ -209,7 +209,10 @@ void AddRegistryCommand(CLI::App& app) {
       "Without a system registry the settings live in registry files: "
       "$PELINOR_REGISTRY (default /etc/pelinor/registry.reg) for HKLM and "
       "$PELINOR_USER_REGISTRY (default ~/.config/pelinor/registry.reg) for "
-      "HKCU. See docs/formats/registry-file.md.");
+      "HKCU. A store file that is not a registry export (no \"Windows "
+      "Registry Editor Version 5.00\" line) is refused and left unchanged; "
+      "a missing one is an error except for set, which creates it. See "
+      "docs/formats/registry-file.md.");
   registry->require_subcommand(1);
   registry->fallthrough();
   registry
@@ -224,7 +227,7 @@ void AddRegistryCommand(CLI::App& app) {
       ->type_name("FILE");
 
   CLI::App* get = registry->add_subcommand(
-      "get", "Print a setting, or the default when it cannot be read");
+      "get", "Print a setting, or the default when it is missing");
   AddAddress(*get, *opts, true);
   get->add_option("--default", opts->default_value,
                   "text printed when the setting is missing (default: "

@@ -201,10 +201,11 @@ void AddSettingsCommand(CLI::App& app) {
       "Read sectioned settings files (\"[Section]\" lines followed by "
       "\"Name:Value\" records), such as capture profiles");
   settings->footer(
-      "Exit status: 0 on success; 1 when the file cannot be found (\"Cannot "
-      "find file ...\") or, for section and states, when the section is not "
-      "in the file (\"Section not found: ...\"); 2 for a --default that is "
-      "not a number of the --type asked for. Section and setting names are "
+      "Exit status: 0 on success; 1 when the file cannot be read or is not "
+      "a settings file (a directory, empty, binary, without any "
+      "\"[Section]\" line) or, for section and states, when the section is "
+      "not in the file (\"Section not found: ...\"); 2 for a --default that "
+      "is not a number of the --type asked for. Section and setting names are "
       "compared ignoring case. See docs/formats/settings-files.md.");
   settings->require_subcommand(1);
 

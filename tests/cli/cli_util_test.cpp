@@ -1,8 +1,15 @@
 #include "cli/cli_util.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
 
 #include "cli_test_util.h"
+#include "pelinor/text_file.h"
+#include "test_util.h"
 
 namespace pelinor::cli {
 namespace {
@@ -107,6 +114,38 @@ TEST(CliProgram, AnswersVersionAndRejectsUnknownVerbs) {
   auto bad = testing::RunPelinor({"no-such-verb"});
   EXPECT_NE(bad.status, 0);
   EXPECT_FALSE(bad.err.empty());
+}
+
+// A program ended by a signal in the middle of a write leaves neither a
+// temporary file nor a half-written target, and still dies of that signal.
+TEST(CliSignals, RemoveTemporaryFilesOfWritesInFlight) {
+  for (int sig : {SIGTERM, SIGINT, SIGHUP}) {
+    SCOPED_TRACE(sig);
+    testing::TempDir dir;
+    const std::string target = dir.File("out.txt");
+    testing::WriteFile(target, "old\r\n");
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      InstallSignalHandlers();
+      TextWriter first, second;
+      first.Create(target);
+      second.Create(dir.File("other.txt"));
+      first.WriteLine(std::string(1 << 17, 'x'));  // flushed to the file
+      raise(sig);
+      _exit(0);  // not reached
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), sig);
+    std::vector<std::string> names;
+    for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
+      names.push_back(e.path().filename().string());
+    }
+    EXPECT_EQ(names, std::vector<std::string>{"out.txt"});
+    EXPECT_EQ(testing::ReadFile(target), "old\r\n");
+  }
 }
 
 }  // namespace

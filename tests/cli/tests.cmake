@@ -26,3 +26,9 @@ if(TARGET pelinor_cli)
             $<TARGET_FILE:pelinor_cli> ${PROJECT_SOURCE_DIR}
             ${PROJECT_BINARY_DIR})
 endif()
+# What a consumer of the installed package gets.
+if(TARGET pelinor_cli)
+  add_test(NAME package
+    COMMAND bash ${PROJECT_SOURCE_DIR}/tests/cli/package_test.sh
+            ${PROJECT_BINARY_DIR})
+endif()
