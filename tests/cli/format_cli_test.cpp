@@ -117,9 +117,16 @@ TEST(FormatCli, GivesTheFullAnswerAsJson) {
   const auto json = nlohmann::json::parse(result.out);
   const auto expected = nlohmann::json::parse(R"([
     {"input": "1er f\u00e9vrier 2004", "valid": true,
-     "output": "01/02/2004", "message": ""},
+     "output": "01/02/2004", "message": "", "changed": true,
+     "steps": [{"rule": "month-name", "class": "cosmetic", "position": 5,
+                "sentence": "f\u00e9vrier read as month 2",
+                "before": "f\u00e9vrier", "after": "f\u00e9vrier"},
+               {"rule": "date-layout", "class": "cosmetic", "position": 0,
+                "sentence": "written as 01/02/2004",
+                "before": "1er f\u00e9vrier 2004", "after": "01/02/2004"}]},
     {"input": "x", "valid": false, "output": "",
-     "message": "cannot be formatted as DATEFR"}])");
+     "message": "cannot be formatted as DATEFR", "changed": false,
+     "steps": []}])");
   EXPECT_EQ(json, expected);
 }
 
