@@ -75,11 +75,11 @@ void CheckValue(std::string& value, int32_t type, const std::string& pattern,
 }
 
 // Runs the cleaning of a value of `type` again on `raw`, quietly, to learn
-// the steps that changed it. `date_format` is the format name the value's
-// date coercion uses.
+// the steps that changed it into `result`. `date_format` is the format name the
+// value's date coercion uses.
 void ExplainValue(int32_t type, const std::string& date_format,
                   const std::string& pattern, const std::string& raw,
-                  cRepairTrace& trace) {
+                  const std::string& result, cRepairTrace& trace) {
   const cQuietFormatLog quiet;
   const cFormat format;
   std::string out;
@@ -93,7 +93,18 @@ void ExplainValue(int32_t type, const std::string& date_format,
     bool ok = false;
     cPatternEngine().CoerceDate(raw, out, date_format, ok, &trace);
   } else {
+    // A field's own check may remove spaces first; a value checked as the
+    // capture cleans it keeps them. The reading that gives the result is
+    // the one that explains it.
     std::string err;
+    std::string text = raw;
+    cPatternEngine engine;
+    if (EvaluatePatternWith(engine, text, pattern, true, true, true, false, out,
+                            err, "", &trace) &&
+        out == result) {
+      return;
+    }
+    trace.Clear();
     ValidatePatternValue(raw, pattern, true, out, err, &trace);
   }
 }
@@ -106,7 +117,7 @@ void Explain(cCaptureValue& c, int32_t type, const std::string& date_format,
   c.Changed = c.Result != c.Raw;
   if (!c.Changed || status != 0) return;
   cRepairTrace trace;
-  ExplainValue(type, date_format, pattern, c.Raw, trace);
+  ExplainValue(type, date_format, pattern, c.Raw, c.Result, trace);
   c.Risk = trace.Highest();
   c.Steps = trace.Steps();
   if (options.ReviewGuess && c.Risk == RiskClass::kGuess) {
