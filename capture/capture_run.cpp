@@ -145,7 +145,11 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     c.Raw = f->value;
     // A value to check was cleaned already: it is in its stored form.
     const bool was_valid = f->Status == 0 || f->Status == kCaptureReviewStatus;
-    if (!was_valid || options.Recheck) {
+    std::shared_ptr<cFieldType> field_type;
+    if (doc.Profile && !doc.Profile->FindField(f->Name, field_type)) {
+      f->Status = kCaptureInvalidStatus;
+      f->StatusMessage = kUnknownFieldMessage;
+    } else if (!was_valid || options.Recheck) {
       CheckValue(
           f->value, f->DataType(), f->Pattern(), was_valid,
           [&] { return f->Validate(log); }, [&] { f->FormatDataValue(); },

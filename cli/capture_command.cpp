@@ -4,8 +4,6 @@
 //
 // Format: see docs/formats/document.md.
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -18,12 +16,14 @@
 #include "cli/commands.h"
 #include "cli/repair_explain.h"
 #include "pelinor/capture_run.h"
+#include "pelinor/data_parser.h"
 #include "pelinor/document_data.h"
 #include "pelinor/numeric.h"
 #include "pelinor/profile.h"
 #include "pelinor/registry.h"
 #include "pelinor/repair_trace.h"
 #include "pelinor/template.h"
+#include "pelinor/text_file.h"
 
 namespace pelinor::cli {
 namespace {
@@ -134,11 +134,9 @@ void Progress(size_t done, size_t total) {
 
 void RunCapture(const Options& opts) {
   std::string err;
-  std::vector<std::string> inputs;
-  for (const std::string& typed : opts.inputs)
-    inputs.push_back(FromUtf8(typed));
-  if (!opts.files_from.empty() &&
-      !ReadFileList(FromUtf8(opts.files_from), inputs, err)) {
+  // File names are used as typed: they name files, not text in a file.
+  std::vector<std::string> inputs = opts.inputs;
+  if (!opts.files_from.empty() && !ReadFileList(opts.files_from, inputs, err)) {
     Fail(err);
     return;
   }
@@ -152,16 +150,21 @@ void RunCapture(const Options& opts) {
     return;
   }
   cCaptureRunOptions run_opts;
-  run_opts.ProfileFile = FromUtf8(opts.profile);
-  run_opts.TemplateFile = FromUtf8(opts.tpl);
-  run_opts.Capture.LogFile = FromUtf8(opts.log);
+  if (!CheckConfigurationFile(opts.profile, ConfigForm::kVersioned) ||
+      (!opts.tpl.empty() &&
+       !CheckConfigurationFile(opts.tpl, ConfigForm::kVersioned))) {
+    return;
+  }
+  run_opts.ProfileFile = opts.profile;
+  run_opts.TemplateFile = opts.tpl;
+  run_opts.Capture.LogFile = opts.log;
   run_opts.Capture.Recheck = opts.recheck;
   if (!opts.review.empty() && opts.review != "guess") {
     Fail("--review takes guess, not \"" + opts.review + "\"", 2);
     return;
   }
   run_opts.Capture.ReviewGuess = opts.review == "guess";
-  run_opts.OutDir = FromUtf8(opts.out_dir);
+  run_opts.OutDir = opts.out_dir;
   run_opts.InPlace = opts.in_place;
   run_opts.Jobs = opts.jobs;
   auto run = cCaptureRun::Open(run_opts, err);
@@ -174,7 +177,7 @@ void RunCapture(const Options& opts) {
     return;
   }
   const bool progress =
-      !opts.json && !opts.json_lines && files.size() > 1 && isatty(2);
+      !opts.json && !opts.json_lines && files.size() > 1 && ProgressWanted();
   json all = json::array();
   size_t done = 0;
   bool any_invalid = false;
@@ -220,23 +223,36 @@ std::shared_ptr<cDocumentData> LoadDocument(const DocOptions& opts) {
   std::string err;
   auto doc = cDocumentData::New();
   if (!opts.profile.empty()) {
+    if (!CheckConfigurationFile(opts.profile, ConfigForm::kVersioned)) {
+      return nullptr;
+    }
     doc->Profile = std::make_shared<cProfile>();
-    const std::string file = FromUtf8(opts.profile);
-    if (!doc->Profile->ReadSettings(StemOf(file), file, err)) {
-      Fail(err);
+    ClearFileError();
+    if (!doc->Profile->ReadSettings(PathText(StemOf(opts.profile)),
+                                    opts.profile, err)) {
+      FailFile(opts.profile, err);
       return nullptr;
     }
   }
   if (!opts.tpl.empty()) {
+    if (!CheckConfigurationFile(opts.tpl, ConfigForm::kVersioned)) {
+      return nullptr;
+    }
     doc->Template = cTemplate::New();
     doc->Template->Profile = doc->Profile;
-    if (!doc->Template->ReadSettings(FromUtf8(opts.tpl), err)) {
-      Fail(err);
+    ClearFileError();
+    if (!doc->Template->ReadSettings(opts.tpl, err)) {
+      FailFile(opts.tpl, err);
       return nullptr;
     }
   }
-  if (!doc->ReadSettings(FromUtf8(opts.file), err)) {
-    Fail(err);
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kVersioned)) {
+    return nullptr;
+  }
+  WarnIfUtf8(opts.file);
+  ClearFileError();
+  if (!doc->ReadSettings(opts.file, err)) {
+    FailFile(opts.file, err);
     return nullptr;
   }
   return doc;
@@ -326,12 +342,29 @@ void RunShow(const DocOptions& opts) {
   }
 }
 
+// The version a tag file was written in, as its first line states it.
+std::string VersionOf(const std::string& file) {
+  TextReader in;
+  std::string line;
+  float version = 0;
+  if (!in.Open(file) || !in.ReadLine(line) ||
+      !ParseVersionNumber(line, version)) {
+    return "?";
+  }
+  return line.substr(3);
+}
+
 void RunUpgrade(const DocOptions& opts) {
   auto doc = LoadDocument(opts);
   if (!doc) return;
   std::string err;
-  const std::string out = FromUtf8(opts.out);
-  if (!doc->WriteSettings(out, err)) Fail("cannot write " + out + ": " + err);
+  ClearFileError();
+  if (!doc->WriteSettings(opts.out, err)) {
+    FailFile(opts.out, err);
+    return;
+  }
+  WriteStdout("Wrote " + opts.out + " (" + kVersionLine +
+              ", read from version " + ToUtf8(VersionOf(opts.file)) + ")\n");
 }
 
 void AddDocumentCommands(CLI::App& app) {

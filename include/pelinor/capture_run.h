@@ -44,6 +44,10 @@ inline constexpr int32_t kCaptureInvalidStatus = 2;
 // The message of a row with an invalid cell.
 inline constexpr char kInvalidLineMessage[] =
     "A value of the line is not valid";
+// The message of a field whose name the profile has no field type for: its
+// data type and pattern are unknown, so its value cannot be called valid.
+inline constexpr char kUnknownFieldMessage[] =
+    "The profile has no field type for this field";
 // The status of a value whose repairs include a guess, when the capture
 // reviews guesses (cCaptureOptions::ReviewGuess), and of a row or document
 // whose values are valid but include such a value. Its message is

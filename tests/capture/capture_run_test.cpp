@@ -265,6 +265,41 @@ TEST(CaptureDocument, LeavesValidValuesAloneUnlessRechecked) {
   }
 }
 
+TEST(CaptureDocument, NeverCallsAFieldTheProfileDoesNotKnowValid) {
+  // A profile that lost a field type (a truncated or edited file) leaves
+  // no data type or pattern to check the value against.
+  TempDir dir;
+  struct Case {
+    const char* status;  // the stored status of the renamed field
+    bool recheck;
+  } cases[] = {{"0", false}, {"0", true}, {"1", false}, {"2", false}};
+  const std::string example = ReadFile(Example("documents/INV0001.tag"));
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.status) + (c.recheck ? " recheck" : ""));
+    std::string tag = example;
+    const std::string name = "Field6Name:VATAmount";
+    tag.replace(tag.find(name), name.size(), "Field6Name:NoSuchField");
+    const std::string status = "Field6Status:1";
+    tag.replace(tag.find(status), status.size(),
+                std::string("Field6Status:") + c.status);
+    cCaptureReport report;
+    const std::string written =
+        CaptureBytes(dir, tag, *Settings("GB"), c.recheck, &report);
+    const cCaptureValue* v = Find(report, "NoSuchField");
+    ASSERT_NE(v, nullptr);
+    EXPECT_EQ(v->Status, kCaptureInvalidStatus);
+    EXPECT_EQ(v->Message, kUnknownFieldMessage);
+    EXPECT_EQ(v->Result, "S5");  // nothing to clean it by
+    EXPECT_NE(report.Status, 0);
+    EXPECT_NE(written.find(std::string("Field6Status:2\r\nField6Message:") +
+                           kUnknownFieldMessage + "\r\n"),
+              std::string::npos)
+        << written;
+    // Capturing the result again changes nothing.
+    EXPECT_EQ(CaptureBytes(dir, written, *Settings("GB"), c.recheck), written);
+  }
+}
+
 // ---------------------------------------------------------------------------
 // cCaptureRun
 // ---------------------------------------------------------------------------
