@@ -128,8 +128,11 @@ void BindFormat(py::module_& m) {
           "True when `value` is three parts separated by '/' in the order of "
           "`country` ('US' month/day/year, 'JP' year/month/day, else "
           "day/month/year) and the parts form a valid date.")
-      .def("FormatDate", Formatted(&cFormat::FormatDate), py::arg("value"),
-           py::arg("code") = 3,
+      .def("FormatDate",
+           Formatted(static_cast<bool (cFormat::*)(
+                         const std::string&, std::string&, int32_t) const>(
+               &cFormat::FormatDate)),
+           py::arg("value"), py::arg("code") = 3,
            "The stored form of the raw OCR date `value` (day, month and "
            "year joined by '/' in the order of 'HalvernLocale'), read with "
            "the format name of `code`; None when no date is recognised.")

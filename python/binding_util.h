@@ -282,6 +282,7 @@ void IntMembers(
 void BindValues(py::module_& m);
 void BindFiles(py::module_& m);
 void BindQueue(py::module_& m);
+void BindCapture(py::module_& m);
 
 }  // namespace pelinor::python
 

@@ -19,4 +19,5 @@ PYBIND11_MODULE(_pelinor, m) {
   pelinor::python::BindValues(m);
   pelinor::python::BindFiles(m);
   pelinor::python::BindQueue(m);
+  pelinor::python::BindCapture(m);
 }

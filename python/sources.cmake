@@ -1,5 +1,6 @@
 set(PELINOR_PYTHON_SOURCES
   python/binding_util.cpp
+  python/bind_capture.cpp
   python/bind_files.cpp
   python/bind_queue.cpp
   python/bind_values.cpp
