@@ -4,6 +4,7 @@
 // cCaptureRun.Run() lets go of the GIL while documents are captured, so
 // other Python threads go on; the per-file callback is called with it.
 
+#include <exception>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -204,15 +205,26 @@ void BindCapture(py::module_& m) {
              const std::optional<py::function>& each) {
             std::vector<cCaptureFileResult> results;
             const std::vector<std::string> names = Bytes(files);
-            py::gil_scoped_release release;
-            r.Run(names, [&](const cCaptureFileResult& result) {
-              if (!each) {
-                results.push_back(result);
-                return true;
-              }
-              py::gil_scoped_acquire acquire;
-              return py::cast<bool>((*each)(result));
-            });
+            // An exception from `each` stops the run and is raised once
+            // the run's threads are done; it never crosses the library.
+            std::exception_ptr failure;
+            {
+              py::gil_scoped_release release;
+              r.Run(names, [&](const cCaptureFileResult& result) {
+                if (!each) {
+                  results.push_back(result);
+                  return true;
+                }
+                py::gil_scoped_acquire acquire;
+                try {
+                  return py::cast<bool>((*each)(result));
+                } catch (...) {
+                  failure = std::current_exception();
+                  return false;
+                }
+              });
+            }
+            if (failure) std::rethrow_exception(failure);
             return results;
           },
           py::arg("files"), py::arg("each") = std::nullopt,
