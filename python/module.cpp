@@ -15,9 +15,14 @@ PYBIND11_MODULE(_pelinor, m) {
       "Collections are sequences (len, iteration, 0-based [i]) and keep the "
       "library's one-based Item(i) and Item(key).";
   m.attr("__version__") = pelinor::kLibraryVersion;
+  // Classes and signatures name the package, where users find them
+  // (pelinor.cFormat), not this extension inside it.
+  pybind11::object name = m.attr("__name__");
+  m.attr("__name__") = "pelinor";
   pelinor::python::RegisterErrors(m);
   pelinor::python::BindValues(m);
   pelinor::python::BindFiles(m);
   pelinor::python::BindQueue(m);
   pelinor::python::BindCapture(m);
+  m.attr("__name__") = name;
 }

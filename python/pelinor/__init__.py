@@ -12,11 +12,3 @@ message raises pelinor.Error carrying that message. See docs/python.md.
 
 from ._pelinor import *  # noqa: F401,F403
 from ._pelinor import Error, __version__  # noqa: F401
-from . import _pelinor
-
-# Show the classes as pelinor.cFormat rather than pelinor._pelinor.cFormat.
-for _name in dir(_pelinor):
-    _obj = getattr(_pelinor, _name)
-    if isinstance(_obj, type) and getattr(_obj, "__module__", "") == __name__ + "._pelinor":
-        _obj.__module__ = __name__
-del _name, _obj
