@@ -32,10 +32,7 @@ std::vector<std::string> Bytes(const std::vector<Path>& paths) {
 
 }  // namespace
 
-void BindCapture(py::module_& m) {
-  m.attr("kCaptureInvalidStatus") = kCaptureInvalidStatus;
-  m.attr("kInvalidLineMessage") = kInvalidLineMessage;
-
+void BindSnapshot(py::module_& m) {
   py::class_<cSettingsSnapshot, Snapshot>(
       m, "cSettingsSnapshot",
       "The server settings a batch reads once: the date locale, the profile "
@@ -75,6 +72,11 @@ void BindCapture(py::module_& m) {
           "CharMapError",
           [](const cSettingsSnapshot& s) { return Text{s.CharMapError()}; },
           "The loader's message when the mapping file could not be read.");
+}
+
+void BindCapture(py::module_& m) {
+  m.attr("kCaptureInvalidStatus") = kCaptureInvalidStatus;
+  m.attr("kInvalidLineMessage") = kInvalidLineMessage;
 
   py::class_<cCaptureOptions> opts(m, "cCaptureOptions",
                                    "What a capture does besides its rules.");

@@ -10,6 +10,7 @@
 #include "pelinor/ini_file.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/settings_snapshot.h"
 #include "python/binding_util.h"
 
 namespace pelinor::python {
@@ -128,14 +129,22 @@ void BindFormat(py::module_& m) {
           "True when `value` is three parts separated by '/' in the order of "
           "`country` ('US' month/day/year, 'JP' year/month/day, else "
           "day/month/year) and the parts form a valid date.")
-      .def("FormatDate",
-           Formatted(static_cast<bool (cFormat::*)(
-                         const std::string&, std::string&, int32_t) const>(
-               &cFormat::FormatDate)),
-           py::arg("value"), py::arg("code") = 3,
-           "The stored form of the raw OCR date `value` (day, month and "
-           "year joined by '/' in the order of 'HalvernLocale'), read with "
-           "the format name of `code`; None when no date is recognised.")
+      .def(
+          "FormatDate",
+          [](const cFormat& f, const Text& value, int32_t code,
+             const std::shared_ptr<cSettingsSnapshot>& settings) -> OptText {
+            std::string out;
+            const bool ok =
+                settings ? f.FormatDate(value.bytes, out, code, *settings)
+                         : f.FormatDate(value.bytes, out, code);
+            if (!ok) return std::nullopt;
+            return Text{out};
+          },
+          py::arg("value"), py::arg("code") = 3, py::arg("settings") = nullptr,
+          "The stored form of the raw OCR date `value` (day, month and "
+          "year joined by '/' in the order of 'HalvernLocale', or of "
+          "`settings`' locale without reading the registry), read with the "
+          "format name of `code`; None when no date is recognised.")
       .def(
           "ValidateRawDate",
           [](const cFormat& f, const Text& v, const Text& name) -> DateParts {

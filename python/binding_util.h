@@ -279,6 +279,7 @@ void IntMembers(
 }
 
 // The binders of each part of the library.
+void BindSnapshot(py::module_& m);
 void BindValues(py::module_& m);
 void BindFiles(py::module_& m);
 void BindQueue(py::module_& m);

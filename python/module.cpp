@@ -20,6 +20,7 @@ PYBIND11_MODULE(_pelinor, m) {
   pybind11::object name = m.attr("__name__");
   m.attr("__name__") = "pelinor";
   pelinor::python::RegisterErrors(m);
+  pelinor::python::BindSnapshot(m);  // before the routines that take one
   pelinor::python::BindValues(m);
   pelinor::python::BindFiles(m);
   pelinor::python::BindQueue(m);
