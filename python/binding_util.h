@@ -205,6 +205,9 @@ void BindCollection(py::module_& m, const char* name, const char* doc) {
             return false;
           },
           py::arg("item"), "Whether `item` is in the collection.")
+      .def(
+          "__contains__", [](const C&, const py::object&) { return false; },
+          py::arg("item"), "Objects of another type are never items.")
       .def("Count", &C::Count, "The number of items.")
       .def("Item", item_at, py::arg("i"),
            "The item at the one-based index `i`; IndexError when out of "

@@ -49,8 +49,12 @@ class AnchorRefCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cAnchorRef) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cAnchorRef:
         """The item at the 0-based `index`, as a list."""
@@ -90,8 +94,12 @@ class ColumnExtractCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cColumnExtract) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cColumnExtract:
         """The item at the 0-based `index`, as a list."""
@@ -131,8 +139,12 @@ class ExtractZoneCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cExtractZone) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cExtractZone:
         """The item at the 0-based `index`, as a list."""
@@ -172,8 +184,12 @@ class ExtractZonesCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cExtractZones) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cExtractZones:
         """The item at the 0-based `index`, as a list."""
@@ -213,8 +229,12 @@ class FieldDataCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cFieldData) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cFieldData:
         """The item at the 0-based `index`, as a list."""
@@ -254,8 +274,12 @@ class FieldTypeCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cFieldType) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cFieldType:
         """The item at the 0-based `index`, as a list."""
@@ -295,8 +319,12 @@ class LineDataCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cLineData) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cLineData:
         """The item at the 0-based `index`, as a list."""
@@ -336,8 +364,12 @@ class LineHdrTypeCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cLineHdrType) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cLineHdrType:
         """The item at the 0-based `index`, as a list."""
@@ -377,8 +409,12 @@ class LineItemDataCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cLineItemData) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cLineItemData:
         """The item at the 0-based `index`, as a list."""
@@ -418,8 +454,12 @@ class OptionItemCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cOptionItem) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cOptionItem:
         """The item at the 0-based `index`, as a list."""
@@ -459,8 +499,12 @@ class PelinorStateCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cPelinorState) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cPelinorState:
         """The item at the 0-based `index`, as a list."""
@@ -500,8 +544,12 @@ class QueueEntryCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cQueueEntry) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cQueueEntry:
         """The item at the 0-based `index`, as a list."""
@@ -541,8 +589,12 @@ class QueueSlotCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cQueueSlot) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cQueueSlot:
         """The item at the 0-based `index`, as a list."""
@@ -582,8 +634,12 @@ class StringCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: str) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> str:
         """The item at the 0-based `index`, as a list."""
@@ -623,8 +679,12 @@ class TableExtractCollection:
     @overload
     def Remove(self, key: str) -> None:
         """Removes the item keyed `key`."""
+    @overload
     def __contains__(self, item: cTableExtract) -> bool:
         """Whether `item` is in the collection."""
+    @overload
+    def __contains__(self, item: object) -> bool:
+        """Objects of another type are never items."""
     @overload
     def __getitem__(self, index: int) -> cTableExtract:
         """The item at the 0-based `index`, as a list."""
@@ -898,8 +958,8 @@ class cFormat:
         """`value` with look-alikes of upper-case letters rewritten, only towards letters that occur in `allowed`."""
     def FormatAmount(self, value: str, code: int = ...) -> Optional[str]:
         """The normalised amount, or None. `code` 4 (and any code other than those below) reads GB amounts: 'GB' is removed and the two last digits are implied decimals ('12.50' and '1250' give '12.50'); 200 reads US amounts ('$', 's', 'S' are dollar signs); 10004 and 10200 are 4 and 200 with the recognised decimal point trusted."""
-    def FormatDate(self, value: str, code: int = ...) -> Optional[str]:
-        """The stored form of the raw OCR date `value` (day, month and year joined by '/' in the order of 'HalvernLocale'), read with the format name of `code`; None when no date is recognised."""
+    def FormatDate(self, value: str, code: int = ..., settings: Optional[cSettingsSnapshot] = ...) -> Optional[str]:
+        """The stored form of the raw OCR date `value` (day, month and year joined by '/' in the order of 'HalvernLocale', or of `settings`' locale without reading the registry), read with the format name of `code`; None when no date is recognised."""
     def FormatDescr(self, code: int) -> str:
         """The format name of a data-type code ('AMOUNT', 'DATEGB', ...); '' for codes without one."""
     def FormatNumeric(self, value: str, code: int = ...) -> Optional[str]:

@@ -26,6 +26,7 @@ def test_sequence_protocol():
             fields[index]
     assert fields[1] in fields
     assert pelinor.cFieldData() not in fields
+    assert "A" not in fields and 1 not in fields  # not items, not keys
 
 
 def test_one_based_item_and_keys():

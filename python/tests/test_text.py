@@ -94,3 +94,18 @@ def test_unchanged_documents_write_back_byte_for_byte(tmp_path, examples):
         twice = tmp_path / ("twice-" + src.name)
         again.WriteSettings(twice)
         assert once.read_bytes() == twice.read_bytes(), src.name
+
+
+def test_registry_and_settings_texts(tmp_path, examples):
+    reg = pelinor.cRegistry()
+    hkcu = pelinor.kHkeyCurrentUser
+    assert reg.RegSaveValue(hkcu, "App", "Sec", "Who", "J\u00f6rg \u20ac") == 0
+    assert reg.RegGetValue(hkcu, "App", "Sec", "Who") == "J\u00f6rg \u20ac"
+    assert reg.RegGetValue(hkcu, "App", "Sec", "None", "d\u00e9faut") == "d\u00e9faut"
+    assert pelinor.ReadServerSetting("HalvernLocale") == "GB"
+    ini = tmp_path / "s.ini"
+    ini.write_bytes(b"[Main]\r\nName: Caf\xe9 \r\nCount:2.5\r\n")
+    f = pelinor.cIniFile()
+    assert f.GetSettingString("main", "name", "", ini) == "Caf\u00e9"
+    assert f.GetSettingLong("Main", "Count", 0, ini) == 2  # half to even
+    assert f.FindHeader("Main", ini) and not f.FindHeader("Other", ini)
