@@ -45,10 +45,12 @@ std::string ExpectedFormat(int32_t type, const std::string& pattern) {
 // Checks and cleans one value: a value that passes is normalised in place;
 // one that fails is cleaned (formatter, or the pattern with OCR coercion)
 // and checked again. `validate` and `format` are the value's own
-// Validate() and FormatDataValue(). A date that was valid before this
-// capture (`was_valid`) and still reads in the locale's order is already
-// in its stored form: formatting it again would read it in the template's
-// order and could swap day and month.
+// Validate() and FormatDataValue(). A value that was valid before this
+// capture (`was_valid`, checked again on request) and still passes is in
+// its stored form already and is left alone: formatting is not meant to be
+// applied twice (a stored date would be read in the template's order and
+// could swap day and month; "12345.67" read as a comma number loses its
+// point).
 template <typename Validate, typename Format>
 void CheckValue(std::string& value, int32_t type, const std::string& pattern,
                 bool was_valid, Validate validate, Format format,
@@ -57,7 +59,7 @@ void CheckValue(std::string& value, int32_t type, const std::string& pattern,
       !IsAmountType(type) && !IsDateType(type) && type != 5;
   bool valid = validate();
   if (valid) {
-    if (!(was_valid && IsDateType(type))) format();
+    if (!was_valid) format();
   } else if (pattern_type) {
     std::string cleaned, err;
     valid = ValidatePatternValue(value, pattern, true, cleaned, err);
@@ -273,7 +275,7 @@ cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
   std::string err;
   auto doc = cDocumentData::New();
   if (!doc->ReadSettings(file, err)) {
-    r.Error = file + ": " + err;
+    r.Error = err;
     return r;
   }
   std::unique_ptr<Models> models = Acquire(err);

@@ -153,7 +153,11 @@ void RunCapture(const Options& opts) {
   size_t done = 0;
   bool any_invalid = false;
   run->Run(files, [&](const cCaptureFileResult& r) {
-    if (!r.Error.empty()) Fail(r.Error);
+    if (!r.Captured) {
+      Fail(r.File + ": " + r.Error);
+    } else if (!r.Error.empty()) {
+      Fail(r.Error);
+    }
     any_invalid = any_invalid || r.Report.InvalidCount > 0;
     if (opts.json_lines) {
       std::cout << FileJson(r).dump() << "\n";
