@@ -2,7 +2,6 @@
 
 import os
 import pathlib
-import shutil
 
 import pytest
 
@@ -24,10 +23,3 @@ def example_registry(monkeypatch, tmp_path):
 def examples():
     return EXAMPLES
 
-
-@pytest.fixture
-def scratch_examples(tmp_path):
-    """A copy of the example documents that a test may change."""
-    target = tmp_path / "documents"
-    shutil.copytree(EXAMPLES / "documents", target)
-    return target
