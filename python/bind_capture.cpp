@@ -93,6 +93,11 @@ void BindCapture(py::module_& m) {
                       {"Raw", &cCaptureValue::Raw},
                       {"Result", &cCaptureValue::Result},
                       {"Message", &cCaptureValue::Message}});
+  value.def("__repr__", [](const cCaptureValue& v) {
+    return py::str("<cCaptureValue Name={!r} Raw={!r} Result={!r} Status={}>")
+        .format(DecodeCp1252(v.Name), DecodeCp1252(v.Raw),
+                DecodeCp1252(v.Result), v.Status);
+  });
   value.def_readwrite("Status", &cCaptureValue::Status);
 
   py::class_<cCaptureReport> report(m, "cCaptureReport",

@@ -443,6 +443,7 @@ void BindDocument(py::module_& m) {
                  {"Width", &cFieldData::Width},
                  {"Height", &cFieldData::Height},
                  {"DataEntryType", &cFieldData::DataEntryType}});
+  Repr(f, "cFieldData");
   f.def_readonly("OptionItems", &cFieldData::OptionItems)
       .def_property_readonly(
           "Document", [](const cFieldData& x) { return x.Document.lock(); },
@@ -503,6 +504,7 @@ void BindDocument(py::module_& m) {
                     {"Height", &cLineItemData::Height},
                     {"ColumnIndex", &cLineItemData::ColumnIndex},
                     {"DataEntryType", &cLineItemData::DataEntryType}});
+  Repr(cell, "cLineItemData");
   cell.def_readonly("OptionItems", &cLineItemData::OptionItems)
       .def_property_readonly(
           "LineData", [](const cLineItemData& x) { return x.LineData.lock(); },

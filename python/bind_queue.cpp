@@ -125,6 +125,10 @@ void BindQueue(py::module_& m) {
             return target;
           },
           "A new entry with every property of this one.");
+  e.def("__repr__", [](const cQueueEntry& x) {
+    return py::str("<cQueueEntry DocId={!r} PELINOR_State={} Reject={}>")
+        .format(DecodeCp1252(x.DocId), x.PELINOR_State, x.Reject);
+  });
   BindCollection<std::shared_ptr<cQueueEntry>>(m, "QueueEntryCollection",
                                                "A one-based list of entries.");
 

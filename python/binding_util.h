@@ -281,6 +281,18 @@ void IntMembers(
   for (const auto& [name, member] : members) cls.def_readwrite(name, member);
 }
 
+// Repr()
+//
+// "<Class Name='...' value='...' Status=n>" for objects with a name, a
+// value and a status, so that printing one in Python shows what it holds.
+template <typename Class, typename C = typename Class::type>
+void Repr(Class& cls, const char* name) {
+  cls.def("__repr__", [name](const C& c) {
+    return py::str("<{} Name={!r} value={!r} Status={}>")
+        .format(name, DecodeCp1252(c.Name), DecodeCp1252(c.value), c.Status);
+  });
+}
+
 // The binders of each part of the library.
 void BindSnapshot(py::module_& m);
 void BindValues(py::module_& m);

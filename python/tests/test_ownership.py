@@ -20,6 +20,7 @@ def test_field_outlives_its_document():
     gc.collect()
     assert field.Document is None
     assert field.value == "\u00a312.50"
+    assert repr(field) == "<cFieldData Name='Total' value='\u00a312.50' Status=1>"
     field.FormatDataValue()  # no profile: the value stays, nothing crashes
     assert field.DataType == 0
 
