@@ -135,10 +135,13 @@ void BindCapture(py::module_& m) {
                      "Rewrite each input.")
       .def_readwrite("Jobs", &cCaptureRunOptions::Jobs,
                      "Documents captured at once; 0: the number of cores.");
-  for (auto [name, member] :
+  for (const auto& entry :
        {std::make_pair("ProfileFile", &cCaptureRunOptions::ProfileFile),
         std::make_pair("TemplateFile", &cCaptureRunOptions::TemplateFile),
         std::make_pair("OutDir", &cCaptureRunOptions::OutDir)}) {
+    // Plain copies: lambdas cannot capture structured bindings in C++20.
+    const auto name = std::get<0>(entry);
+    const auto member = std::get<1>(entry);
     ro.def_property(
         name, [member](const cCaptureRunOptions& o) { return Path{o.*member}; },
         [member](cCaptureRunOptions& o, const Path& p) {

@@ -205,7 +205,7 @@ void BindProfile(py::module_& m) {
 void BindTemplate(py::module_& m) {
   Shared<cExtractZone> zone(m, "cExtractZone", "One rectangle of an entry.");
   zone.def(py::init<>());
-  for (auto [name, get, set] :
+  for (const auto& entry :
        {std::make_tuple("Left", &cExtractZone::LeftValue,
                         static_cast<void (cExtractZone::*)(const std::string&)>(
                             &cExtractZone::Left)),
@@ -218,6 +218,10 @@ void BindTemplate(py::module_& m) {
         std::make_tuple("Height", &cExtractZone::HeightValue,
                         static_cast<void (cExtractZone::*)(const std::string&)>(
                             &cExtractZone::Height))}) {
+    // Plain copies: lambdas cannot capture structured bindings in C++20.
+    const auto name = std::get<0>(entry);
+    const auto get = std::get<1>(entry);
+    const auto set = std::get<2>(entry);
     zone.def_property(
         name, [get](const cExtractZone& z) { return (z.*get)(); },
         [set](cExtractZone& z, const Text& v) { (z.*set)(v.bytes); },
@@ -317,7 +321,7 @@ void BindTemplate(py::module_& m) {
                  {"LineDataDiscardEnd", &cTemplate::LineDataDiscardEnd}});
   using IntGet = int32_t (cTemplate::*)() const;
   using IntSet = void (cTemplate::*)(int32_t);
-  for (auto [name, get, set] : {
+  for (const auto& entry : {
            std::make_tuple(
                "DocEndMarkInclusive",
                static_cast<IntGet>(&cTemplate::DocEndMarkInclusive),
@@ -339,6 +343,10 @@ void BindTemplate(py::module_& m) {
                            static_cast<IntGet>(&cTemplate::LineLevel),
                            static_cast<IntSet>(&cTemplate::LineLevel)),
        }) {
+    // Plain copies: lambdas cannot capture structured bindings in C++20.
+    const auto name = std::get<0>(entry);
+    const auto get = std::get<1>(entry);
+    const auto set = std::get<2>(entry);
     t.def_property(
         name, [get](const cTemplate& x) { return (x.*get)(); },
         [set](cTemplate& x, int32_t v) { (x.*set)(v); },
@@ -346,7 +354,7 @@ void BindTemplate(py::module_& m) {
   }
   using TextGet = std::string (cTemplate::*)() const;
   using TextSet = void (cTemplate::*)(const std::string&);
-  for (auto [name, get, set] :
+  for (const auto& entry :
        {std::make_tuple("LineDataRowSpaceMax",
                         static_cast<TextGet>(&cTemplate::LineDataRowSpaceMax),
                         static_cast<TextSet>(&cTemplate::LineDataRowSpaceMax)),
@@ -354,6 +362,10 @@ void BindTemplate(py::module_& m) {
             "LineDataEntitySpaceMax",
             static_cast<TextGet>(&cTemplate::LineDataEntitySpaceMax),
             static_cast<TextSet>(&cTemplate::LineDataEntitySpaceMax))}) {
+    // Plain copies: lambdas cannot capture structured bindings in C++20.
+    const auto name = std::get<0>(entry);
+    const auto get = std::get<1>(entry);
+    const auto set = std::get<2>(entry);
     t.def_property(
         name, [get](const cTemplate& x) { return Text{(x.*get)()}; },
         [set](cTemplate& x, const Text& v) { (x.*set)(v.bytes); },
