@@ -31,9 +31,9 @@ struct PatternOptions {
 nlohmann::json ElementsJson(const cPatternEngine& engine) {
   nlohmann::json out = nlohmann::json::array();
   for (const cPatternElement& e : engine.Elements()) {
-    out.push_back({{"text", Json(e.Text)},
-                   {"optional", e.Optional},
-                   {"regex", Json(e.Expression)}});
+    out.push_back({{"Text", Json(e.Text)},
+                   {"Optional", e.Optional},
+                   {"Expression", Json(e.Expression)}});
   }
   return out;
 }
@@ -44,12 +44,12 @@ nlohmann::json CandidatesJson(const cPatternEngine& engine) {
     nlohmann::json matches = nlohmann::json::array();
     for (const cMatch& m : c.Matches) {
       matches.push_back({{"value", Json(m.value)},
-                         {"first_index", m.FirstIndex},
-                         {"length", m.Length}});
+                         {"FirstIndex", m.FirstIndex},
+                         {"Length", m.Length}});
     }
-    out.push_back({{"variation", Json(c.Variation)},
-                   {"text", Json(c.Text)},
-                   {"matches", matches}});
+    out.push_back({{"Variation", Json(c.Variation)},
+                   {"Text", Json(c.Text)},
+                   {"Matches", matches}});
   }
   return out;
 }
@@ -76,14 +76,15 @@ bool ShowRegex(const std::string& spec) {
 }
 
 void RunPattern(const PatternOptions& opts) {
-  if (!opts.registry_file.empty()) {
-    setenv("PELINOR_REGISTRY", opts.registry_file.c_str(), 1);
-  }
+  // Only coercion reads the registry (ProfileDir, where CharMap.txt is).
+  if (!UseRegistryFile(opts.registry_file, opts.coerce)) return;
   const std::string spec = FromUtf8(opts.spec);
   if (opts.texts.empty() && !opts.show_regex) {
-    Fail("give at least one TEXT (or --show-regex)");
+    Fail("give at least one TEXT (or --show-regex)", 2);
     return;
   }
+  // A bad specification is the caller's mistake, not a text that fails.
+  if (!CheckPatternSpec(spec)) return;
   if (opts.show_regex && !opts.json && !ShowRegex(spec)) return;
 
   nlohmann::json results = nlohmann::json::array();

@@ -158,8 +158,14 @@ TEST(FormatCli, WritesTheFormatLog) {
     messages.push_back(text.substr(at + 20, end - at - 20));
   }
   const std::vector<std::string> expected = {
-      "FormatAmount:GBP 12.50", "--> FormatNumericCurrency: P 12.50",
-      "<-- FormatNumericCurrency: 1250", "FormatAmount>:12.50"};
+      "FormatAmount:GBP 12.50",
+      "--> FormatNumericCurrency: P 12.50",
+      "<-- FormatNumericCurrency: 1250",
+      "FormatAmount>:12.50",
+      "Repair:country-removed:cosmetic:1:GB removed at position 1",
+      "Repair:char-dropped:guess:3:P dropped at position 3",
+      "Repair:separator-dropped:cosmetic:4:1 separator (space or comma) "
+      "removed"};
   EXPECT_EQ(messages, expected);
 }
 
