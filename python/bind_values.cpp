@@ -10,6 +10,7 @@
 #include "pelinor/ini_file.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/settings_snapshot.h"
 #include "python/binding_util.h"
 
@@ -19,12 +20,14 @@ namespace {
 using OptText = std::optional<Text>;
 using DateParts = std::optional<std::tuple<Text, Text, Text, float>>;
 
-// A routine of the form bool F(value, out, code) as value -> str | None.
+// A routine of the form bool F(value, out, code, trace) as
+// (value, code, trace=None) -> str | None.
 template <typename F>
 auto Formatted(F f) {
-  return [f](const cFormat& fmt, const Text& value, int32_t code) -> OptText {
+  return [f](const cFormat& fmt, const Text& value, int32_t code,
+             cRepairTrace* trace) -> OptText {
     std::string out;
-    if (!(fmt.*f)(value.bytes, out, code)) return std::nullopt;
+    if (!(fmt.*f)(value.bytes, out, code, trace)) return std::nullopt;
     return Text{out};
   };
 }
@@ -50,6 +53,61 @@ auto Coerced(bool (*f)(const std::string&, std::string&)) {
   };
 }
 
+void BindTrace(py::module_& m) {
+  py::class_<cRepairStep>(
+      m, "cRepairStep",
+      "One step of a repair trace: the rule's code, a sentence, the "
+      "one-based position in the text given (0: the whole value), the part "
+      "before and after, and the risk class ('cosmetic', 'repair', "
+      "'guess').")
+      .def_property_readonly("Rule",
+                             [](const cRepairStep& r) { return Text{r.Rule}; })
+      .def_property_readonly(
+          "Sentence", [](const cRepairStep& r) { return Text{r.Sentence}; })
+      .def_readonly("Position", &cRepairStep::Position)
+      .def_property_readonly(
+          "Before", [](const cRepairStep& r) { return Text{r.Before}; })
+      .def_property_readonly("After",
+                             [](const cRepairStep& r) { return Text{r.After}; })
+      .def_property_readonly(
+          "Risk",
+          [](const cRepairStep& r) {
+            return Text{std::string(RiskClassName(r.Risk))};
+          },
+          "'cosmetic', 'repair' or 'guess'.")
+      .def("__repr__", [](const cRepairStep& r) {
+        return py::str("<cRepairStep {} {} at {}: {!r} -> {!r}>")
+            .format(DecodeCp1252(r.Rule), DecodeCp1252(RiskClassName(r.Risk)),
+                    r.Position, DecodeCp1252(r.Before), DecodeCp1252(r.After));
+      });
+  py::class_<cRepairTrace, std::shared_ptr<cRepairTrace>>(
+      m, "cRepairTrace",
+      "What the formatter and the pattern engine changed in an OCR text, or "
+      "how they read it, step by step. Pass one as `trace` to a Format...() "
+      "routine, CoerceDate() or EvaluatePattern(); results are the same "
+      "with or without one.")
+      .def(py::init<>())
+      .def("Steps", &cRepairTrace::Steps, "The steps in order (copies).")
+      .def("Size", &cRepairTrace::Size, "The number of steps.")
+      .def("__len__", &cRepairTrace::Size)
+      .def(
+          "Highest",
+          [](const cRepairTrace& t, size_t from) {
+            return Text{std::string(RiskClassName(t.Highest(from)))};
+          },
+          py::arg("from_") = 0,
+          "The highest risk class among the steps from `from_` on; '' when "
+          "there are none.")
+      .def(
+          "Sentences",
+          [](const cRepairTrace& t, size_t from) {
+            return Text{t.Sentences(from)};
+          },
+          py::arg("from_") = 0,
+          "The sentences of the steps from `from_` on, joined by '; '.")
+      .def("Clear", &cRepairTrace::Clear, "Removes every step.");
+}
+
 void BindFormat(py::module_& m) {
   py::class_<cFormat>(
       m, "cFormat",
@@ -71,18 +129,22 @@ void BindFormat(py::module_& m) {
           "one '.', the point not last: '.5' and '-.5' pass; '', '-', '5-', "
           "'12.', '1.2.3' and '12a' fail.")
       .def("FormatAmount", Formatted(&cFormat::FormatAmount), py::arg("value"),
-           py::arg("code") = 4,
+           py::arg("code") = 4, py::arg("trace") = nullptr,
            "The normalised amount, or None. `code` 4 (and any code other "
            "than those below) reads GB amounts: 'GB' is removed and the two "
            "last digits are implied decimals ('12.50' and '1250' give "
            "'12.50'); 200 reads US amounts ('$', 's', 'S' are dollar signs); "
            "10004 and 10200 are 4 and 200 with the recognised decimal point "
-           "trusted.")
+           "trusted."
+           " With `trace` (a cRepairTrace), each step that changed or "
+           "interpreted the text is appended to it.")
       .def("FormatNumeric", Formatted(&cFormat::FormatNumeric),
-           py::arg("value"), py::arg("code") = 2,
+           py::arg("value"), py::arg("code") = 2, py::arg("trace") = nullptr,
            "The normalised number, or None: the right-most decimal "
            "separator (',' for code 300, '.' otherwise) becomes the point, "
-           "other separators are dropped, look-alikes become digits.")
+           "other separators are dropped, look-alikes become digits."
+           " With `trace` (a cRepairTrace), each step that changed or "
+           "interpreted the text is appended to it.")
       .def(
           "FormatDescr",
           [](const cFormat& f, int32_t code) {
@@ -196,10 +258,12 @@ void BindFormat(py::module_& m) {
           "True for 'GIR 0AA' and for an outward code followed by an inward "
           "code; blanks are ignored.")
       .def("FormatPostCode", Formatted(&cFormat::FormatPostCode),
-           py::arg("value"), py::arg("code") = 5,
+           py::arg("value"), py::arg("code") = 5, py::arg("trace") = nullptr,
            "The postcode with OCR confusions repaired position by position, "
            "as outward code, blank, inward code; None when the shape cannot "
-           "be repaired.")
+           "be repaired."
+           " With `trace` (a cRepairTrace), each step that changed or "
+           "interpreted the text is appended to it.")
       .def(
           "IsInwardCode",
           [](const cFormat& f, const Text& v) {
@@ -411,24 +475,26 @@ void BindPattern(py::module_& m) {
           "('0CT' -> 'OCT'); any other word unchanged.")
       .def(
           "CoerceShortMonthInString",
-          [](const cPatternEngine& e, const Text& s) {
+          [](const cPatternEngine& e, const Text& s, cRepairTrace* trace) {
             std::string v = s.bytes;
-            e.CoerceShortMonthInString(v);
+            e.CoerceShortMonthInString(v, trace);
             return Text{v};
           },
-          py::arg("strInOut"),
+          py::arg("strInOut"), py::arg("trace") = nullptr,
           "The text with its one misread month abbreviation repaired (none "
-          "or several: unchanged).")
+          "or several: unchanged); recorded in `trace` as "
+          "'month-repaired'.")
       .def(
           "coerceNameDate",
-          [](const cPatternEngine& e, const Text& in) -> OptText {
+          [](const cPatternEngine& e, const Text& in,
+             cRepairTrace* trace) -> OptText {
             std::string out;
-            if (!e.coerceNameDate(in.bytes, out)) return std::nullopt;
+            if (!e.coerceNameDate(in.bytes, out, trace)) return std::nullopt;
             return Text{out};
           },
-          py::arg("strIn"),
+          py::arg("strIn"), py::arg("trace") = nullptr,
           "The stored form of a date written with an English month name "
-          "('12 0CT 2003'), or None.")
+          "('12 0CT 2003'), or None; its steps go to `trace`.")
       .def_static("coerceFrenchDate",
                   Coerced(&cPatternEngine::coerceFrenchDate), py::arg("strIn"),
                   "As coerceNameDate() for French month names.")
@@ -447,18 +513,20 @@ void BindPattern(py::module_& m) {
                   "As coerceNameDate() for Italian month names.")
       .def(
           "CoerceDate",
-          [](const cPatternEngine& e, const Text& in,
-             const Text& format) -> OptText {
+          [](const cPatternEngine& e, const Text& in, const Text& format,
+             cRepairTrace* trace) -> OptText {
             std::string out;
             bool ok = false;
-            e.CoerceDate(in.bytes, out, format.bytes, ok);
+            e.CoerceDate(in.bytes, out, format.bytes, ok, trace);
             if (!ok) return std::nullopt;
             return Text{out};
           },
           py::arg("strIn"), py::arg("strDateFormat"),
+          py::arg("trace") = nullptr,
           "The date text formatted for the date format name "
           "('DATEFR' ... 'DATEIT' select their month names, others the "
-          "English ones, then the general coercion); None on failure.");
+          "English ones, then the general coercion); None on failure. Each "
+          "step that changed or interpreted the text goes to `trace`.");
 
   m.attr("kIllegalPatternError") = kIllegalPatternError;
   m.attr("kPatternValidationError") = kPatternValidationError;
@@ -469,16 +537,26 @@ void BindPattern(py::module_& m) {
   m.def(
       "EvaluatePattern",
       [](const Text& text, const Text& spec, bool coerce, bool suppress,
-         bool whole, bool keep, const Path& log) {
+         bool whole, bool keep, const Path& log,
+         const std::shared_ptr<cSettingsSnapshot>& settings,
+         cRepairTrace* trace) {
         std::string t = text.bytes, out, err;
-        bool ok = EvaluatePattern(t, spec.bytes, coerce, suppress, whole, keep,
-                                  out, err, log.bytes);
+        bool ok = false;
+        if (settings) {
+          ok = EvaluatePattern(t, spec.bytes, coerce, suppress, whole, keep,
+                               out, err, log.bytes, *settings, trace);
+        } else {
+          cPatternEngine engine;
+          ok = EvaluatePatternWith(engine, t, spec.bytes, coerce, suppress,
+                                   whole, keep, out, err, log.bytes, trace);
+        }
         Check(ok, err, kPatternValidationError);
         return Text{out};
       },
       py::arg("strText"), py::arg("strPatternSpec"), py::arg("bCoerce") = false,
       py::arg("bSuppressSpaces") = false, py::arg("bWhole") = true,
       py::arg("bKeepSurrounding") = false, py::arg("strLogFile") = Path{},
+      py::arg("settings") = nullptr, py::arg("trace") = nullptr,
       "Checks `strText` against `strPatternSpec` and answers the chosen "
       "value: with `bWhole` the matches must cover the whole text, "
       "otherwise the longest matched text is taken (with the text around it "
@@ -486,18 +564,23 @@ void BindPattern(py::module_& m) {
       "`bSuppressSpaces` removes the text's spaces first. Raises "
       "pelinor.Error with the mapping file's message, the matching message "
       "or kPatternValidationError. Progress lines go to `strLogFile` when "
-      "given.");
+      "given. With `settings` the snapshot's mappings are used and neither "
+      "the registry nor the mapping file is read. With `trace`, a "
+      "successful evaluation records the spaces removed, each character a "
+      "variation mapped and the text left outside the matches.");
   m.def(
       "ValidatePatternValue",
-      [](const Text& text, const Text& spec, bool coerce) {
+      [](const Text& text, const Text& spec, bool coerce, cRepairTrace* trace) {
         std::string value, err;
-        Check(ValidatePatternValue(text.bytes, spec.bytes, coerce, value, err),
+        Check(ValidatePatternValue(text.bytes, spec.bytes, coerce, value, err,
+                                   trace),
               err, kPatternValidationError);
         return Text{value};
       },
       py::arg("strText"), py::arg("strPatternSpec"), py::arg("bCoerce") = false,
+      py::arg("trace") = nullptr,
       "The value chosen by a whole match with spaces kept and no log; raises "
-      "pelinor.Error as EvaluatePattern() does.");
+      "pelinor.Error as EvaluatePattern() does; steps go to `trace`.");
 }
 
 void BindSettings(py::module_& m) {
@@ -653,6 +736,7 @@ void BindSettings(py::module_& m) {
 void BindValues(py::module_& m) {
   BindCollection<std::string>(m, "StringCollection",
                               "A one-based list of texts.");
+  BindTrace(m);
   BindFormat(m);
   BindPattern(m);
   BindSettings(m);

@@ -956,16 +956,16 @@ class cFormat:
         """`value` with OCR look-alikes of digits rewritten: O o Q -> 0; I i / \\ ! | [ ] ( ) L l -> 1; Z z -> 2; S s $ -> 5; G -> 6; g -> 9; B -> 8."""
     def BiasToUCASECharacter(self, value: str, allowed: str) -> str:
         """`value` with look-alikes of upper-case letters rewritten, only towards letters that occur in `allowed`."""
-    def FormatAmount(self, value: str, code: int = ...) -> Optional[str]:
-        """The normalised amount, or None. `code` 4 (and any code other than those below) reads GB amounts: 'GB' is removed and the two last digits are implied decimals ('12.50' and '1250' give '12.50'); 200 reads US amounts ('$', 's', 'S' are dollar signs); 10004 and 10200 are 4 and 200 with the recognised decimal point trusted."""
+    def FormatAmount(self, value: str, code: int = ..., trace: Optional[cRepairTrace] = ...) -> Optional[str]:
+        """The normalised amount, or None. `code` 4 (and any code other than those below) reads GB amounts: 'GB' is removed and the two last digits are implied decimals ('12.50' and '1250' give '12.50'); 200 reads US amounts ('$', 's', 'S' are dollar signs); 10004 and 10200 are 4 and 200 with the recognised decimal point trusted. With `trace` (a cRepairTrace), each step that changed or interpreted the text is appended to it."""
     def FormatDate(self, value: str, code: int = ..., settings: Optional[cSettingsSnapshot] = ...) -> Optional[str]:
         """The stored form of the raw OCR date `value` (day, month and year joined by '/' in the order of 'HalvernLocale', or of `settings`' locale without reading the registry), read with the format name of `code`; None when no date is recognised."""
     def FormatDescr(self, code: int) -> str:
         """The format name of a data-type code ('AMOUNT', 'DATEGB', ...); '' for codes without one."""
-    def FormatNumeric(self, value: str, code: int = ...) -> Optional[str]:
-        """The normalised number, or None: the right-most decimal separator (',' for code 300, '.' otherwise) becomes the point, other separators are dropped, look-alikes become digits."""
-    def FormatPostCode(self, value: str, code: int = ...) -> Optional[str]:
-        """The postcode with OCR confusions repaired position by position, as outward code, blank, inward code; None when the shape cannot be repaired."""
+    def FormatNumeric(self, value: str, code: int = ..., trace: Optional[cRepairTrace] = ...) -> Optional[str]:
+        """The normalised number, or None: the right-most decimal separator (',' for code 300, '.' otherwise) becomes the point, other separators are dropped, look-alikes become digits. With `trace` (a cRepairTrace), each step that changed or interpreted the text is appended to it."""
+    def FormatPostCode(self, value: str, code: int = ..., trace: Optional[cRepairTrace] = ...) -> Optional[str]:
+        """The postcode with OCR confusions repaired position by position, as outward code, blank, inward code; None when the shape cannot be repaired. With `trace` (a cRepairTrace), each step that changed or interpreted the text is appended to it."""
     def IsInwardCode(self, code: str) -> bool:
         """A digit and two inward letters."""
     def IsOutwardCode(self, code: str) -> bool:
@@ -1116,12 +1116,12 @@ class cPatternEngine:
     def Candidates(self) -> List[cPatternCandidate]:
         """The candidates of the last Execute() (copies)."""
     CharMapper: cCharMapper
-    def CoerceDate(self, strIn: str, strDateFormat: str) -> Optional[str]:
-        """The date text formatted for the date format name ('DATEFR' ... 'DATEIT' select their month names, others the English ones, then the general coercion); None on failure."""
+    def CoerceDate(self, strIn: str, strDateFormat: str, trace: Optional[cRepairTrace] = ...) -> Optional[str]:
+        """The date text formatted for the date format name ('DATEFR' ... 'DATEIT' select their month names, others the English ones, then the general coercion); None on failure. Each step that changed or interpreted the text goes to `trace`."""
     def CoerceShortMonth(self, strWord: str) -> str:
         """A misread three-letter English month abbreviation repaired ('0CT' -> 'OCT'); any other word unchanged."""
-    def CoerceShortMonthInString(self, strInOut: str) -> str:
-        """The text with its one misread month abbreviation repaired (none or several: unchanged)."""
+    def CoerceShortMonthInString(self, strInOut: str, trace: Optional[cRepairTrace] = ...) -> str:
+        """The text with its one misread month abbreviation repaired (none or several: unchanged); recorded in `trace` as 'month-repaired'."""
     def Elements(self) -> List[cPatternElement]:
         """The loaded specification's elements (copies)."""
     def EvaluatedText(self) -> str:
@@ -1153,8 +1153,8 @@ class cPatternEngine:
     @staticmethod
     def coerceItalianDate(strIn: str) -> Optional[str]:
         """As coerceNameDate() for Italian month names."""
-    def coerceNameDate(self, strIn: str) -> Optional[str]:
-        """The stored form of a date written with an English month name ('12 0CT 2003'), or None."""
+    def coerceNameDate(self, strIn: str, trace: Optional[cRepairTrace] = ...) -> Optional[str]:
+        """The stored form of a date written with an English month name ('12 0CT 2003'), or None; its steps go to `trace`."""
     @staticmethod
     def coercePortugueseDate(strIn: str) -> Optional[str]:
         """As coerceNameDate() for Portuguese month names."""
@@ -1348,6 +1348,32 @@ class cRegistry:
     def __init__(self) -> None:
         ...
 
+class cRepairStep:
+    """One step of a repair trace: the rule's code, a sentence, the one-based position in the text given (0: the whole value), the part before and after, and the risk class ('cosmetic', 'repair', 'guess')."""
+    After: object
+    Before: object
+    Position: int
+    Risk: object
+    Rule: object
+    Sentence: object
+
+class cRepairTrace:
+    """What the formatter and the pattern engine changed in an OCR text, or how they read it, step by step. Pass one as `trace` to a Format...() routine, CoerceDate() or EvaluatePattern(); results are the same with or without one."""
+    def Clear(self) -> None:
+        """Removes every step."""
+    def Highest(self, from_: int = ...) -> str:
+        """The highest risk class among the steps from `from_` on; '' when there are none."""
+    def Sentences(self, from_: int = ...) -> str:
+        """The sentences of the steps from `from_` on, joined by '; '."""
+    def Size(self) -> int:
+        """The number of steps."""
+    def Steps(self) -> List[cRepairStep]:
+        """The steps in order (copies)."""
+    def __init__(self) -> None:
+        ...
+    def __len__(self) -> int:
+        ...
+
 class cSettingsSnapshot:
     """The server settings a batch reads once: the date locale, the profile directory and its 'CharMap.txt'. Immutable; made with Take() or Make()."""
     def CharMapError(self) -> str:
@@ -1468,8 +1494,8 @@ def CharMapPath() -> _Path:
 def CollectTagFiles(inputs: List[_Path]) -> List[_Path]:
     """The documents named by `inputs`: a file as given, a directory's '*.tag' files at any depth in name order. Raises pelinor.Error for an input that does not exist."""
 
-def EvaluatePattern(strText: str, strPatternSpec: str, bCoerce: bool = ..., bSuppressSpaces: bool = ..., bWhole: bool = ..., bKeepSurrounding: bool = ..., strLogFile: _Path = ...) -> str:
-    """Checks `strText` against `strPatternSpec` and answers the chosen value: with `bWhole` the matches must cover the whole text, otherwise the longest matched text is taken (with the text around it when `bKeepSurrounding`). `bCoerce` also tries coerced variations; `bSuppressSpaces` removes the text's spaces first. Raises pelinor.Error with the mapping file's message, the matching message or kPatternValidationError. Progress lines go to `strLogFile` when given."""
+def EvaluatePattern(strText: str, strPatternSpec: str, bCoerce: bool = ..., bSuppressSpaces: bool = ..., bWhole: bool = ..., bKeepSurrounding: bool = ..., strLogFile: _Path = ..., settings: Optional[cSettingsSnapshot] = ..., trace: Optional[cRepairTrace] = ...) -> str:
+    """Checks `strText` against `strPatternSpec` and answers the chosen value: with `bWhole` the matches must cover the whole text, otherwise the longest matched text is taken (with the text around it when `bKeepSurrounding`). `bCoerce` also tries coerced variations; `bSuppressSpaces` removes the text's spaces first. Raises pelinor.Error with the mapping file's message, the matching message or kPatternValidationError. Progress lines go to `strLogFile` when given. With `settings` the snapshot's mappings are used and neither the registry nor the mapping file is read. With `trace`, a successful evaluation records the spaces removed, each character a variation mapped and the text left outside the matches."""
 
 def ReadServerSetting(valueName: str, strDefault: str = ...) -> str:
     """The server's setting ('HalvernLocale', 'ProfileDir') from HKEY_LOCAL_MACHINE, or `strDefault`."""
@@ -1477,5 +1503,5 @@ def ReadServerSetting(valueName: str, strDefault: str = ...) -> str:
 def RegReadString(hive: int, keyPath: str, valueName: str, strDefault: str = ...) -> str:
     """Reads a value with the rules of cRegistry.RegGetStringValue()."""
 
-def ValidatePatternValue(strText: str, strPatternSpec: str, bCoerce: bool = ...) -> str:
-    """The value chosen by a whole match with spaces kept and no log; raises pelinor.Error as EvaluatePattern() does."""
+def ValidatePatternValue(strText: str, strPatternSpec: str, bCoerce: bool = ..., trace: Optional[cRepairTrace] = ...) -> str:
+    """The value chosen by a whole match with spaces kept and no log; raises pelinor.Error as EvaluatePattern() does; steps go to `trace`."""
