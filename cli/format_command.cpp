@@ -11,12 +11,14 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "cli/repair_explain.h"
 #include "core/reg_file_store.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/format.h"
 #include "pelinor/numeric.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/text.h"
 
 namespace pelinor::cli {
@@ -31,6 +33,7 @@ struct FormatOptions {
   bool coerce = false;
   bool json = false;
   bool json_lines = false;
+  bool explain = false;
 };
 
 enum class Family { kAmount, kNumeric, kDate, kPostCode, kNone };
@@ -157,9 +160,11 @@ std::string TypeLabel(int32_t code) {
 struct Answer {
   std::string input;
   bool valid = false;
-  std::string output;   // the normalised value; the input itself when checked
-  std::string message;  // why the value failed
-  std::string shown;    // what the text line shows after the tab
+  std::string output;    // the normalised value; the input itself when checked
+  std::string message;   // why the value failed
+  std::string shown;     // what the text line shows after the tab
+  bool changed = false;  // formatting changed the text
+  cRepairTrace trace;    // what formatting changed, and why
 };
 
 // Prints the answers as they come: a text line or a JSON line each, or
@@ -179,12 +184,13 @@ class Reporter {
     failed_ |= !a.valid;
     if (!opts_.json && !opts_.json_lines) {
       PrintLine(a.input + "\t" + a.shown);
+      if (opts_.explain) PrintSteps(a.trace);
       return;
     }
-    nlohmann::json object = {{"input", Json(a.input)},
-                             {"valid", a.valid},
-                             {"output", Json(a.output)},
-                             {"message", Json(a.message)}};
+    nlohmann::json object = {
+        {"input", Json(a.input)},   {"valid", a.valid},
+        {"output", Json(a.output)}, {"message", Json(a.message)},
+        {"changed", a.changed},     {"steps", StepsJson(a.trace)}};
     if (opts_.json_lines) {
       PrintJsonLine(object);
     } else {
@@ -208,11 +214,33 @@ void RunPattern(const FormatOptions& opts) {
   for (const std::string& arg : opts.values) {
     Answer a;
     a.input = FromUtf8(arg);
-    a.valid =
-        ValidatePatternValue(a.input, spec, opts.coerce, a.output, a.message);
+    a.valid = ValidatePatternValue(a.input, spec, opts.coerce, a.output,
+                                   a.message, &a.trace);
     if (!a.valid) a.output.clear();
+    a.changed = a.valid && a.output != a.input;
     a.shown = a.valid ? a.output : a.message;
     report.Add(a);
+  }
+}
+
+// Formats `input` as the data type `code` of `family` does, recording the
+// steps in `trace` when it is given.
+bool FormatValue(int32_t code, Family family, const std::string& input,
+                 std::string& output, cRepairTrace* trace) {
+  const cFormat format;
+  switch (family) {
+    case Family::kAmount:
+      return format.FormatAmount(input, output, code, trace);
+    case Family::kNumeric:
+      return format.FormatNumeric(input, output, code, trace);
+    case Family::kDate: {
+      bool ok = false;
+      cPatternEngine().CoerceDate(input, output, format.FormatDescr(code), ok,
+                                  trace);
+      return ok;
+    }
+    default:
+      return format.FormatPostCode(input, output, code, trace);
   }
 }
 
@@ -234,6 +262,12 @@ void RunValidate(const FormatOptions& opts) {
   for (const std::string& arg : opts.values) {
     Answer a;
     a.input = FromUtf8(arg);
+    // Validation changes nothing; the trace shows what formatting the
+    // value would repair.
+    if (opts.explain || opts.json || opts.json_lines) {
+      std::string formatted;
+      FormatValue(*code, family, a.input, formatted, &a.trace);
+    }
     switch (family) {
       case Family::kAmount:
       case Family::kNumeric:
@@ -269,28 +303,15 @@ void RunFormat(const FormatOptions& opts) {
     return;
   }
   if (!PrepareRegistry(opts, family)) return;
-  const cFormat format;
-  const cPatternEngine engine;
   Reporter report(opts);
+  const bool traced = opts.explain || opts.json || opts.json_lines;
   for (const std::string& arg : opts.values) {
     Answer a;
     a.input = FromUtf8(arg);
-    switch (family) {
-      case Family::kAmount:
-        a.valid = format.FormatAmount(a.input, a.output, *code);
-        break;
-      case Family::kNumeric:
-        a.valid = format.FormatNumeric(a.input, a.output, *code);
-        break;
-      case Family::kDate:
-        engine.CoerceDate(a.input, a.output, format.FormatDescr(*code),
-                          a.valid);
-        break;
-      default:
-        a.valid = format.FormatPostCode(a.input, a.output, *code);
-        break;
-    }
+    a.valid = FormatValue(*code, family, a.input, a.output,
+                          traced ? &a.trace : nullptr);
     if (a.valid) {
+      a.changed = a.output != a.input;
       a.shown = a.output;
     } else {
       a.output.clear();
@@ -322,7 +343,12 @@ CLI::App* AddVerb(CLI::App& app, const char* name, const char* description,
   cmd->add_flag("--coerce", opts.coerce,
                 "with --spec: try character-mapping variations of the value");
   cmd->add_flag("--json", opts.json,
-                "print a JSON array of {input, valid, output, message}");
+                "print a JSON array of {input, valid, output, message, "
+                "changed, steps}");
+  cmd->add_flag("--explain", opts.explain,
+                "print under each value the steps that changed or "
+                "interpreted it, each with its risk class (cosmetic, repair, "
+                "guess; docs/repair-trace.md)");
   cmd->add_flag("--json-lines", opts.json_lines,
                 "print one JSON object {input, valid, output, message} per "
                 "line, each as soon as its value is done");

@@ -9,6 +9,7 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "cli/repair_explain.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/pattern_engine.h"
 
@@ -26,6 +27,7 @@ struct PatternOptions {
   bool keep_surrounding = false;
   bool show_regex = false;
   bool json = false;
+  bool explain = false;
 };
 
 nlohmann::json ElementsJson(const cPatternEngine& engine) {
@@ -95,9 +97,10 @@ void RunPattern(const PatternOptions& opts) {
     std::string value;
     std::string error;
     cPatternEngine engine;
+    cRepairTrace trace;
     const bool ok = EvaluatePatternWith(
         engine, text, spec, opts.coerce, !opts.keep_spaces, !opts.sub_pattern,
-        opts.keep_surrounding, value, error, opts.log_file);
+        opts.keep_surrounding, value, error, opts.log_file, &trace);
     all_ok = all_ok && ok;
     if (opts.json) {
       results.push_back({{"text", Json(original)},
@@ -106,9 +109,12 @@ void RunPattern(const PatternOptions& opts) {
                          {"value", Json(ok ? value : "")},
                          {"error", Json(error)},
                          {"variations", engine.VariationCount()},
+                         {"changed", ok && value != original},
+                         {"steps", StepsJson(trace)},
                          {"candidates", CandidatesJson(engine)}});
     } else if (ok) {
       PrintLine(value);
+      if (opts.explain) PrintSteps(trace);
     } else {
       Fail(original + ": " + error);
     }
@@ -166,6 +172,9 @@ void AddPatternCommand(CLI::App& app) {
       ->type_name("FILE");
   cmd->add_flag("--show-regex", opts->show_regex,
                 "print the regular expression and the elements first");
+  cmd->add_flag("--explain", opts->explain,
+                "print under each value the steps that changed it, each with "
+                "its risk class (docs/repair-trace.md)");
   cmd->add_flag("--json", opts->json,
                 "print the expression, elements, candidates and errors as "
                 "JSON");

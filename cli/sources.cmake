@@ -10,4 +10,5 @@ set(PELINOR_CLI_SOURCES
   cli/template_command.cpp
   cli/capture_command.cpp
   cli/completion.cpp
+  cli/repair_explain.cpp
 )

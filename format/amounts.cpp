@@ -55,7 +55,7 @@ void ApplySign(std::string& result) {
   if (negative) result.insert(result.begin(), '-');
 }
 
-bool FormatLogOn() { return !FormatLogPath().empty(); }
+bool FormatLogOn() { return FormatLogWanted(); }
 
 // The trace a routine records into: the caller's, or `local` when only
 // the format log wants the steps; null when nobody does.

@@ -84,7 +84,7 @@ bool cFormat::IsStrictOutwardCode(std::string_view code) const {
 
 bool cFormat::FormatPostCode(const std::string& value, std::string& out,
                              int32_t code, cRepairTrace* trace) const {
-  const bool log = !FormatLogPath().empty();
+  const bool log = FormatLogWanted();
   if (trace == nullptr && !log) return FormatPostCodeSteps(value, out, code);
   cRepairTrace local;
   cRepairTrace* t = trace != nullptr ? trace : &local;

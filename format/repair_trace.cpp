@@ -104,8 +104,17 @@ std::string cRepairTrace::Sentences(size_t from) const {
   return out;
 }
 
+namespace {
+thread_local int quiet_depth = 0;
+}  // namespace
+
+cQuietFormatLog::cQuietFormatLog() { ++quiet_depth; }
+cQuietFormatLog::~cQuietFormatLog() { --quiet_depth; }
+
+bool FormatLogWanted() { return quiet_depth == 0 && !FormatLogPath().empty(); }
+
 void LogRepairSteps(const cRepairTrace& trace, size_t from) {
-  if (FormatLogPath().empty()) return;
+  if (!FormatLogWanted()) return;
   const auto& steps = trace.Steps();
   for (size_t i = from; i < steps.size(); ++i) {
     const cRepairStep& s = steps[i];

@@ -196,7 +196,7 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
 
   bool executed = false;
   // The text as given, kept only when its repairs are wanted.
-  const bool formatLog = !FormatLogPath().empty();
+  const bool formatLog = FormatLogWanted();
   std::string original;
   if (trace != nullptr || formatLog) original = strText;
   engine->Execute(strText, strErrMsg, executed);

@@ -24,7 +24,7 @@ namespace mt = month_tables;
 // No month name of any language is longer ("septiembre").
 constexpr size_t kLongestMonthWord = 10;
 
-bool FormatLogOn() { return !FormatLogPath().empty(); }
+bool FormatLogOn() { return FormatLogWanted(); }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace pelinor {
@@ -56,6 +57,11 @@ struct cRepairStep {
 
 class cRepairTrace {
  public:
+  cRepairTrace() = default;
+  // A trace holding `steps`, as copied out of another.
+  explicit cRepairTrace(std::vector<cRepairStep> steps)
+      : steps_(std::move(steps)) {}
+
   // Add()
   //
   // Appends a step of rule `code`, its class taken from RuleRisk().
@@ -99,6 +105,26 @@ class cRepairTrace {
  private:
   std::vector<cRepairStep> steps_;
 };
+
+// cQuietFormatLog
+//
+// While one exists on a thread, the formatter and the pattern engine write
+// nothing to the format log from that thread: a caller that runs a routine
+// a second time only to explain it keeps the log as the first run left
+// it. Objects nest.
+class cQuietFormatLog {
+ public:
+  cQuietFormatLog();
+  ~cQuietFormatLog();
+  cQuietFormatLog(const cQuietFormatLog&) = delete;
+  cQuietFormatLog& operator=(const cQuietFormatLog&) = delete;
+};
+
+// FormatLogWanted()
+//
+// True when the format log is on (PELINORLOGFORMAT) and this thread is not
+// inside a cQuietFormatLog.
+bool FormatLogWanted();
 
 // LogRepairSteps()
 //
