@@ -77,12 +77,19 @@ void BindSnapshot(py::module_& m) {
 void BindCapture(py::module_& m) {
   m.attr("kCaptureInvalidStatus") = kCaptureInvalidStatus;
   m.attr("kInvalidLineMessage") = kInvalidLineMessage;
+  m.attr("kCaptureReviewStatus") = kCaptureReviewStatus;
+  m.attr("kReviewMessagePrefix") = kReviewMessagePrefix;
+  m.attr("kReviewLineMessage") = kReviewLineMessage;
 
   py::class_<cCaptureOptions> opts(m, "cCaptureOptions",
                                    "What a capture does besides its rules.");
   opts.def(py::init<>())
       .def_readwrite("Recheck", &cCaptureOptions::Recheck,
-                     "Check values whose status is already 0 again.");
+                     "Check values whose status is already 0 again.")
+      .def_readwrite("ReviewGuess", &cCaptureOptions::ReviewGuess,
+                     "Give a value whose repairs include a guess "
+                     "kCaptureReviewStatus instead of 0, so that a person "
+                     "checks it.");
   opts.def_property(
       "LogFile", [](const cCaptureOptions& o) { return Path{o.LogFile}; },
       [](cCaptureOptions& o, const Path& p) { o.LogFile = p.bytes; },
@@ -98,7 +105,17 @@ void BindCapture(py::module_& m) {
         .format(DecodeCp1252(v.Name), DecodeCp1252(v.Raw),
                 DecodeCp1252(v.Result), v.Status);
   });
-  value.def_readwrite("Status", &cCaptureValue::Status);
+  value.def_readwrite("Status", &cCaptureValue::Status)
+      .def_readwrite("Changed", &cCaptureValue::Changed,
+                     "Whether this capture changed the value.")
+      .def_readonly("Steps", &cCaptureValue::Steps,
+                    "The repair steps that changed it (copies).")
+      .def_property_readonly(
+          "Risk",
+          [](const cCaptureValue& v) {
+            return Text{std::string(RiskClassName(v.Risk))};
+          },
+          "The highest class of the steps ('' when none).");
 
   py::class_<cCaptureReport> report(m, "cCaptureReport",
                                     "The outcome of capturing one document.");
@@ -106,7 +123,9 @@ void BindCapture(py::module_& m) {
       .def_readonly("Values", &cCaptureReport::Values,
                     "Fields, then cells row by row (copies).")
       .def_readwrite("Status", &cCaptureReport::Status)
-      .def_readwrite("InvalidCount", &cCaptureReport::InvalidCount);
+      .def_readwrite("InvalidCount", &cCaptureReport::InvalidCount)
+      .def_readwrite("ReviewCount", &cCaptureReport::ReviewCount,
+                     "Of the values, those to check.");
   TextMember(report, "Message", &cCaptureReport::Message);
 
   m.def(

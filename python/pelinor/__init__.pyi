@@ -10,6 +10,7 @@ class Error(Exception):
 
 __version__: str
 kCaptureInvalidStatus: int
+kCaptureReviewStatus: int
 kHkeyClassesRoot: int
 kHkeyCurrentUser: int
 kHkeyLocalMachine: int
@@ -22,6 +23,8 @@ kQueueTimeLastModified: int
 kQueueTimeScanned: int
 kRejectedFirst: int
 kRejectedOnly: int
+kReviewLineMessage: str
+kReviewMessagePrefix: str
 
 class AnchorRefCollection:
     """A one-based list of anchors."""
@@ -719,6 +722,7 @@ class cCaptureOptions:
     """What a capture does besides its rules."""
     LogFile: object
     Recheck: bool
+    ReviewGuess: bool
     def __init__(self) -> None:
         ...
 
@@ -726,6 +730,7 @@ class cCaptureReport:
     """The outcome of capturing one document."""
     InvalidCount: int
     Message: object
+    ReviewCount: int
     Status: int
     Values: List[cCaptureValue]
 
@@ -758,11 +763,14 @@ class cCaptureRunOptions:
 
 class cCaptureValue:
     """One checked value."""
+    Changed: bool
     Message: object
     Name: object
     Raw: object
     Result: object
+    Risk: object
     Status: int
+    Steps: List[cRepairStep]
 
 class cCharMapper:
     """The character-mapping table used by OCR coercion; starts with the 156 built-in mappings."""

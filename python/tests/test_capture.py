@@ -33,6 +33,22 @@ def test_capture_document_cleans_fields_in_place(examples):
         assert (field.value, field.Status) == (result, 0), name
         assert (values[name].Raw, values[name].Result) == (raw, result)
     assert report.Status == doc.Status == 0 and report.InvalidCount == 0
+    total = values["TotalAmount"]
+    assert total.Changed and total.Risk in ("repair", "guess")
+    assert any(st.Before == "O" and st.After == "0" for st in total.Steps)
+    assert not values["Currency"].Changed and values["Currency"].Risk == ""
+
+
+def test_review_guess_marks_values_to_check(examples):
+    doc = _open_document(examples)
+    options = pelinor.cCaptureOptions()
+    options.ReviewGuess = True
+    report = pelinor.CaptureDocument(doc, options)
+    review = [v for v in report.Values if v.Status == pelinor.kCaptureReviewStatus]
+    assert review and len(review) == report.ReviewCount
+    for v in review:
+        assert v.Risk == "guess"
+        assert v.Message.startswith(pelinor.kReviewMessagePrefix), v
 
 
 def test_capture_with_a_snapshot_ignores_the_registry(examples, monkeypatch):
