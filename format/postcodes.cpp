@@ -84,14 +84,11 @@ bool cFormat::IsStrictOutwardCode(std::string_view code) const {
 
 bool cFormat::FormatPostCode(const std::string& value, std::string& out,
                              int32_t code, cRepairTrace* trace) const {
-  const bool log = FormatLogWanted();
-  if (trace == nullptr && !log) return FormatPostCodeSteps(value, out, code);
-  cRepairTrace local;
-  cRepairTrace* t = trace != nullptr ? trace : &local;
-  const size_t first = t->Size();
+  // Postcodes write nothing to the format log, so only a caller's trace
+  // records steps.
+  if (trace == nullptr) return FormatPostCodeSteps(value, out, code);
   const bool ok = FormatPostCodeSteps(value, out, code);
-  if (ok) TracePostCode(value, out, *t);
-  if (ok && log) LogRepairSteps(*t, first);
+  if (ok) TracePostCode(value, out, *trace);
   return ok;
 }
 
