@@ -25,9 +25,9 @@ using DateParts = std::optional<std::tuple<Text, Text, Text, float>>;
 template <typename F>
 auto Formatted(F f) {
   return [f](const cFormat& fmt, const Text& value, int32_t code,
-             cRepairTrace* trace) -> OptText {
+             Maybe<cRepairTrace> trace) -> OptText {
     std::string out;
-    if (!(fmt.*f)(value.bytes, out, code, trace)) return std::nullopt;
+    if (!(fmt.*f)(value.bytes, out, code, trace.ptr)) return std::nullopt;
     return Text{out};
   };
 }
@@ -129,7 +129,7 @@ void BindFormat(py::module_& m) {
           "one '.', the point not last: '.5' and '-.5' pass; '', '-', '5-', "
           "'12.', '1.2.3' and '12a' fail.")
       .def("FormatAmount", Formatted(&cFormat::FormatAmount), py::arg("value"),
-           py::arg("code") = 4, py::arg("trace") = nullptr,
+           py::arg("code") = 4, py::arg("trace") = py::none(),
            "The normalised amount, or None. `code` 4 (and any code other "
            "than those below) reads GB amounts: 'GB' is removed and the two "
            "last digits are implied decimals ('12.50' and '1250' give "
@@ -139,7 +139,7 @@ void BindFormat(py::module_& m) {
            " With `trace` (a cRepairTrace), each step that changed or "
            "interpreted the text is appended to it.")
       .def("FormatNumeric", Formatted(&cFormat::FormatNumeric),
-           py::arg("value"), py::arg("code") = 2, py::arg("trace") = nullptr,
+           py::arg("value"), py::arg("code") = 2, py::arg("trace") = py::none(),
            "The normalised number, or None: the right-most decimal "
            "separator (',' for code 300, '.' otherwise) becomes the point, "
            "other separators are dropped, look-alikes become digits."
@@ -194,15 +194,16 @@ void BindFormat(py::module_& m) {
       .def(
           "FormatDate",
           [](const cFormat& f, const Text& value, int32_t code,
-             const std::shared_ptr<cSettingsSnapshot>& settings) -> OptText {
+             Maybe<cSettingsSnapshot> settings) -> OptText {
             std::string out;
-            const bool ok =
-                settings ? f.FormatDate(value.bytes, out, code, *settings)
-                         : f.FormatDate(value.bytes, out, code);
+            const bool ok = settings.ptr ? f.FormatDate(value.bytes, out, code,
+                                                        *settings.ptr)
+                                         : f.FormatDate(value.bytes, out, code);
             if (!ok) return std::nullopt;
             return Text{out};
           },
-          py::arg("value"), py::arg("code") = 3, py::arg("settings") = nullptr,
+          py::arg("value"), py::arg("code") = 3,
+          py::arg("settings") = py::none(),
           "The stored form of the raw OCR date `value` (day, month and "
           "year joined by '/' in the order of 'HalvernLocale', or of "
           "`settings`' locale without reading the registry), read with the "
@@ -258,7 +259,7 @@ void BindFormat(py::module_& m) {
           "True for 'GIR 0AA' and for an outward code followed by an inward "
           "code; blanks are ignored.")
       .def("FormatPostCode", Formatted(&cFormat::FormatPostCode),
-           py::arg("value"), py::arg("code") = 5, py::arg("trace") = nullptr,
+           py::arg("value"), py::arg("code") = 5, py::arg("trace") = py::none(),
            "The postcode with OCR confusions repaired position by position, "
            "as outward code, blank, inward code; None when the shape cannot "
            "be repaired."
@@ -475,24 +476,26 @@ void BindPattern(py::module_& m) {
           "('0CT' -> 'OCT'); any other word unchanged.")
       .def(
           "CoerceShortMonthInString",
-          [](const cPatternEngine& e, const Text& s, cRepairTrace* trace) {
+          [](const cPatternEngine& e, const Text& s,
+             Maybe<cRepairTrace> trace) {
             std::string v = s.bytes;
-            e.CoerceShortMonthInString(v, trace);
+            e.CoerceShortMonthInString(v, trace.ptr);
             return Text{v};
           },
-          py::arg("strInOut"), py::arg("trace") = nullptr,
+          py::arg("strInOut"), py::arg("trace") = py::none(),
           "The text with its one misread month abbreviation repaired (none "
           "or several: unchanged); recorded in `trace` as "
           "'month-repaired'.")
       .def(
           "coerceNameDate",
           [](const cPatternEngine& e, const Text& in,
-             cRepairTrace* trace) -> OptText {
+             Maybe<cRepairTrace> trace) -> OptText {
             std::string out;
-            if (!e.coerceNameDate(in.bytes, out, trace)) return std::nullopt;
+            if (!e.coerceNameDate(in.bytes, out, trace.ptr))
+              return std::nullopt;
             return Text{out};
           },
-          py::arg("strIn"), py::arg("trace") = nullptr,
+          py::arg("strIn"), py::arg("trace") = py::none(),
           "The stored form of a date written with an English month name "
           "('12 0CT 2003'), or None; its steps go to `trace`.")
       .def_static("coerceFrenchDate",
@@ -514,15 +517,15 @@ void BindPattern(py::module_& m) {
       .def(
           "CoerceDate",
           [](const cPatternEngine& e, const Text& in, const Text& format,
-             cRepairTrace* trace) -> OptText {
+             Maybe<cRepairTrace> trace) -> OptText {
             std::string out;
             bool ok = false;
-            e.CoerceDate(in.bytes, out, format.bytes, ok, trace);
+            e.CoerceDate(in.bytes, out, format.bytes, ok, trace.ptr);
             if (!ok) return std::nullopt;
             return Text{out};
           },
           py::arg("strIn"), py::arg("strDateFormat"),
-          py::arg("trace") = nullptr,
+          py::arg("trace") = py::none(),
           "The date text formatted for the date format name "
           "('DATEFR' ... 'DATEIT' select their month names, others the "
           "English ones, then the general coercion); None on failure. Each "
@@ -538,17 +541,16 @@ void BindPattern(py::module_& m) {
       "EvaluatePattern",
       [](const Text& text, const Text& spec, bool coerce, bool suppress,
          bool whole, bool keep, const Path& log,
-         const std::shared_ptr<cSettingsSnapshot>& settings,
-         cRepairTrace* trace) {
+         Maybe<cSettingsSnapshot> settings, Maybe<cRepairTrace> trace) {
         std::string t = text.bytes, out, err;
         bool ok = false;
-        if (settings) {
+        if (settings.ptr) {
           ok = EvaluatePattern(t, spec.bytes, coerce, suppress, whole, keep,
-                               out, err, log.bytes, *settings, trace);
+                               out, err, log.bytes, *settings.ptr, trace.ptr);
         } else {
           cPatternEngine engine;
           ok = EvaluatePatternWith(engine, t, spec.bytes, coerce, suppress,
-                                   whole, keep, out, err, log.bytes, trace);
+                                   whole, keep, out, err, log.bytes, trace.ptr);
         }
         Check(ok, err, kPatternValidationError);
         return Text{out};
@@ -556,7 +558,7 @@ void BindPattern(py::module_& m) {
       py::arg("strText"), py::arg("strPatternSpec"), py::arg("bCoerce") = false,
       py::arg("bSuppressSpaces") = false, py::arg("bWhole") = true,
       py::arg("bKeepSurrounding") = false, py::arg("strLogFile") = Path{},
-      py::arg("settings") = nullptr, py::arg("trace") = nullptr,
+      py::arg("settings") = py::none(), py::arg("trace") = py::none(),
       "Checks `strText` against `strPatternSpec` and answers the chosen "
       "value: with `bWhole` the matches must cover the whole text, "
       "otherwise the longest matched text is taken (with the text around it "
@@ -570,15 +572,16 @@ void BindPattern(py::module_& m) {
       "variation mapped and the text left outside the matches.");
   m.def(
       "ValidatePatternValue",
-      [](const Text& text, const Text& spec, bool coerce, cRepairTrace* trace) {
+      [](const Text& text, const Text& spec, bool coerce,
+         Maybe<cRepairTrace> trace) {
         std::string value, err;
         Check(ValidatePatternValue(text.bytes, spec.bytes, coerce, value, err,
-                                   trace),
+                                   trace.ptr),
               err, kPatternValidationError);
         return Text{value};
       },
       py::arg("strText"), py::arg("strPatternSpec"), py::arg("bCoerce") = false,
-      py::arg("trace") = nullptr,
+      py::arg("trace") = py::none(),
       "The value chosen by a whole match with spaces kept and no log; raises "
       "pelinor.Error as EvaluatePattern() does; steps go to `trace`.");
 }

@@ -78,9 +78,41 @@ inline void Check(bool ok, const std::string& message,
 // Creates pelinor.Error in `m` and translates LibraryError into it.
 void RegisterErrors(py::module_& m);
 
+// An optional object argument: None or a bound T, passed on as a pointer
+// (null for None) that stays valid for the call. pybind11's own pointer
+// argument answers None only after failed look-ups costing more than the
+// routines on the hot path themselves.
+template <typename T>
+struct Maybe {
+  T* ptr = nullptr;
+};
+
 }  // namespace pelinor::python
 
 namespace pybind11::detail {
+
+template <typename T>
+struct type_caster<pelinor::python::Maybe<T>> {
+  PYBIND11_TYPE_CASTER(pelinor::python::Maybe<T>, const_name("Optional[") +
+                                                      make_caster<T>::name +
+                                                      const_name("]"));
+
+  bool load(handle src, bool convert) {
+    if (src.is_none()) {
+      value.ptr = nullptr;
+      return true;
+    }
+    make_caster<T> inner;
+    if (!inner.load(src, convert)) return false;
+    value.ptr = static_cast<T*>(inner);
+    return true;
+  }
+
+  static handle cast(const pelinor::python::Maybe<T>&, return_value_policy,
+                     handle) {
+    return none().release();
+  }
+};
 
 template <>
 struct type_caster<pelinor::python::Text> {
