@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
   pelinor::cli::AddProfileCommands(app);
   pelinor::cli::AddTemplateCommands(app);
   pelinor::cli::AddCaptureCommand(app);
+  pelinor::cli::AddExtractCommands(app);
   CLI11_PARSE(app, argc, argv);
   return pelinor::cli::ExitStatus();
 }

@@ -9,4 +9,5 @@ set(PELINOR_CLI_SOURCES
   cli/profile_command.cpp
   cli/template_command.cpp
   cli/capture_command.cpp
+  cli/extract_command.cpp
 )

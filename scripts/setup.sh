@@ -5,6 +5,9 @@ set -euo pipefail
 packages=(cmake ninja-build g++ clang pkg-config libpcre2-dev libcli11-dev
           nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev
           libclang-rt-14-dev llvm-14 ccache)
+# Extraction from pages (pelinor_extract): OCR, images, PDFs, test fonts.
+packages+=(libtesseract-dev tesseract-ocr-eng libleptonica-dev
+           libpoppler-cpp-dev fonts-dejavu-core poppler-utils)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "ok installed" \

@@ -1,0 +1,334 @@
+// The "extract" and "process" verbs: from page files (images, PDFs, OCR
+// output) to a document tag file. "extract" writes the raw values as read
+// from the pages; "process" then runs the capture run over them and writes
+// the cleaned document.
+//
+// Rules: docs/extraction.md. Format written: docs/formats/document.md.
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/cli_util.h"
+#include "cli/commands.h"
+#include "pelinor/document_data.h"
+#include "pelinor/file_system.h"
+#include "pelinor/numeric.h"
+#include "pelinor/page_extractor.h"
+#include "pelinor/page_reader.h"
+#include "pelinor/profile.h"
+#include "pelinor/template.h"
+#include "pelinor/text_file.h"
+
+namespace pelinor::cli {
+namespace {
+
+using json = nlohmann::ordered_json;
+
+// Exit status of a page that no template fits.
+constexpr int kUnidentified = 2;
+
+struct Options {
+  std::string profile;
+  std::string tpl;
+  std::string templates;
+  std::string lang = "eng";
+  std::string out;
+  std::string save_model;
+  std::string log;
+  int dpi = kTemplateDpi;
+  int max_pages = 200;
+  bool json = false;
+  std::vector<std::string> pages;
+};
+
+struct Extraction {
+  std::shared_ptr<cProfile> profile;
+  cIdentification id;
+  std::shared_ptr<cDocumentData> doc;
+  std::vector<cFieldResult> results;
+  int32_t page_count = 0;
+};
+
+std::string StemOf(const std::string& path) {
+  std::string base = path.substr(path.find_last_of("/\\") + 1);
+  const size_t dot = base.rfind('.');
+  if (dot != std::string::npos && dot > 0) base.resize(dot);
+  return base;
+}
+
+// The profile's template directory: as given when absolute, else beside the
+// profile file, else beside the profile's folder (an installation keeps
+// profiles/ and templates/ side by side).
+std::string TemplateDirOf(const cProfile& profile,
+                          const std::string& profile_file) {
+  namespace fs = std::filesystem;
+  const fs::path dir(profile.TemplateDir);
+  if (dir.is_absolute()) return dir.string();
+  const fs::path here = fs::path(profile_file).parent_path();
+  std::error_code ec;
+  if (fs::is_directory(here / dir, ec)) return (here / dir).string();
+  return (here.parent_path() / dir).string();
+}
+
+// A target may be replaced only when it is missing or a tag file already.
+bool MayWrite(const std::string& path) {
+  if (!FileExists(path)) return true;
+  auto doc = cDocumentData::New();
+  std::string err;
+  return doc->ReadSettings(path, err);
+}
+
+// A page file may be replaced only when it is missing or a TSV page file.
+bool MayWriteModel(const std::string& path) {
+  if (!FileExists(path)) return true;
+  std::ifstream in(path, std::ios::binary);
+  std::string head(6, '\0');
+  in.read(head.data(), 6);
+  return in && head == "level\t";
+}
+
+bool RunExtraction(const Options& opts, Extraction& x) {
+  std::string err;
+  x.profile = std::make_shared<cProfile>();
+  const std::string profile_file = FromUtf8(opts.profile);
+  if (!x.profile->ReadSettings(StemOf(profile_file), profile_file, err)) {
+    Fail(profile_file + ": " + err);
+    return false;
+  }
+  std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>> candidates;
+  if (!opts.tpl.empty()) {
+    auto tpl = cTemplate::New();
+    tpl->Profile = x.profile;
+    const std::string file = FromUtf8(opts.tpl);
+    if (!tpl->ReadSettings(file, err)) {
+      Fail(file + ": " + err);
+      return false;
+    }
+    candidates.emplace_back(file, tpl);
+  } else {
+    const std::string dir = opts.templates.empty()
+                                ? TemplateDirOf(*x.profile, profile_file)
+                                : FromUtf8(opts.templates);
+    if (!ReadTemplateDirectory(dir, x.profile, candidates, err)) {
+      Fail(err);
+      return false;
+    }
+  }
+  if (opts.dpi < 50 || opts.dpi > 1200) {
+    Fail("--dpi must lie between 50 and 1200");
+    return false;
+  }
+  cPageReader reader;
+  reader.Language = FromUtf8(opts.lang);
+  reader.DefaultDpi = opts.dpi;
+  reader.RenderDpi = opts.dpi;
+  reader.MaxPages = opts.max_pages;
+  cPageModel model;
+  for (const std::string& typed : opts.pages) {
+    if (!reader.ReadFile(FromUtf8(typed), model, err)) {
+      Fail(err);
+      return false;
+    }
+    if (static_cast<int32_t>(model.Pages.size()) > opts.max_pages) {
+      Fail("more than " + std::to_string(opts.max_pages) +
+           " pages; at most --max-pages are read");
+      return false;
+    }
+  }
+  x.page_count = static_cast<int32_t>(model.Pages.size());
+  if (!opts.save_model.empty()) {
+    TextWriter w;
+    const std::string file = FromUtf8(opts.save_model);
+    if (!MayWriteModel(file) || !w.Create(file)) {
+      Fail("cannot write " + file);
+      return false;
+    }
+    w.Write(model.WriteTsv());
+    if (!w.Commit()) {
+      Fail("cannot write " + file);
+      return false;
+    }
+  }
+  cPageExtractor extractor;
+  x.id = extractor.Identify(model, candidates);
+  if (!x.id.Identified && opts.tpl.empty()) {
+    Fail(
+        "page not identified: no template's identifier text was found "
+        "(best " +
+            x.id.Best.File + ", score " + NumberText(x.id.Best.Score) + ")",
+        kUnidentified);
+    return false;
+  }
+  cTemplateMatch match = x.id.Best;
+  if (!x.id.Identified) {
+    // A template given by name is used as it lies, without a shift.
+    match.ShiftX = 0;
+    match.ShiftY = 0;
+  }
+  extractor.Extract(model, x.profile, match, x.doc, x.results);
+  return true;
+}
+
+json Box(const cBox& b) {
+  return json::array({b.Left, b.Top, b.Width, b.Height});
+}
+
+json MatchJson(const cTemplateMatch& m) {
+  if (!m.Template) return nullptr;
+  return {{"file", Json(m.File)},
+          {"identifier", Json(m.Template->TemplateIdentifier)},
+          {"score", m.Score},
+          {"found", Box(m.Found)},
+          {"shift", json::array({m.ShiftX, m.ShiftY})},
+          {"distance", m.Distance}};
+}
+
+std::string Percent(double score) {
+  return NumberText(std::round(score * 100) / 100);
+}
+
+void PrintIdentification(const Extraction& x) {
+  const cTemplateMatch& b = x.id.Best;
+  std::string line = "Template: " + b.File + " (score " + Percent(b.Score);
+  if (x.id.Identified) {
+    line += ", shift " + NumberText(b.ShiftX) + "," + NumberText(b.ShiftY);
+  } else {
+    line += ", identifier not found: used as given";
+  }
+  line += ")";
+  if (x.id.RunnerUp.Template) {
+    line += "; runner-up " + x.id.RunnerUp.File + " (score " +
+            Percent(x.id.RunnerUp.Score) + ")";
+  }
+  PrintLine(line);
+}
+
+void PrintTable(const std::vector<std::vector<std::string>>& rows) {
+  std::vector<size_t> w;
+  for (const auto& r : rows) {
+    w.resize(std::max(w.size(), r.size()));
+    for (size_t i = 0; i < r.size(); ++i) w[i] = std::max(w[i], r[i].size());
+  }
+  for (const auto& r : rows) {
+    std::string line = " ";
+    for (size_t i = 0; i < r.size(); ++i) {
+      line += " " + r[i];
+      if (i + 1 < r.size()) line += std::string(w[i] - r[i].size(), ' ');
+    }
+    PrintLine(line);
+  }
+}
+
+std::string Confidence(float c) {
+  return c < 0 ? "-" : NumberText(std::round(c));
+}
+
+std::string BoxText(const cBox& b) {
+  return b.Empty() ? "-"
+                   : NumberText(b.Left) + ":" + NumberText(b.Top) + ":" +
+                         NumberText(b.Width) + ":" + NumberText(b.Height);
+}
+
+bool WriteDocument(const Options& opts, const cDocumentData& doc,
+                   std::string& written) {
+  written = FromUtf8(opts.out);
+  if (!MayWrite(written)) {
+    Fail(written + " exists and is not a document tag file; not overwritten");
+    written.clear();
+    return false;
+  }
+  std::string err;
+  if (!doc.WriteSettings(written, err)) {
+    Fail("cannot write " + written + (err.empty() ? "" : ": " + err));
+    written.clear();
+    return false;
+  }
+  return true;
+}
+
+void RunExtract(const Options& opts) {
+  Extraction x;
+  if (!RunExtraction(opts, x)) return;
+  std::string written;
+  if (!WriteDocument(opts, *x.doc, written)) return;
+  if (opts.json) {
+    json fields = json::array();
+    for (const cFieldResult& r : x.results) {
+      fields.push_back(
+          {{"name", Json(r.Name)},
+           {"pseudo", r.Pseudo},
+           {"value", Json(r.Value)},
+           {"box", Box(r.Box)},
+           {"confidence",
+            r.Confidence < 0 ? json(nullptr) : json(std::round(r.Confidence))},
+           {"page", r.Page},
+           {"how", r.How}});
+    }
+    PrintJson({{"pages", x.page_count},
+               {"identified", x.id.Identified},
+               {"template", MatchJson(x.id.Best)},
+               {"runner_up", MatchJson(x.id.RunnerUp)},
+               {"written", Json(written)},
+               {"fields", fields}});
+    return;
+  }
+  PrintIdentification(x);
+  std::vector<std::vector<std::string>> rows = {
+      {"Field", "Value", "Conf", "Page", "Box", "Found by"}};
+  for (const cFieldResult& r : x.results) {
+    rows.push_back({(r.Pseudo ? "(pseudo) " : "") + r.Name, r.Value,
+                    Confidence(r.Confidence), NumberText(r.Page),
+                    BoxText(r.Box), r.How});
+  }
+  PrintTable(rows);
+  PrintLine("Written: " + written);
+}
+
+void AddCommonOptions(CLI::App* cmd, Options& opts) {
+  cmd->add_option("--profile", opts.profile, "the capture profile file")
+      ->required();
+  auto* one = cmd->add_option("--template", opts.tpl,
+                              "use this template file (no identification)");
+  auto* dir = cmd->add_option(
+      "--templates", opts.templates,
+      "identify the template among the *.tpl files of this directory "
+      "(default: the profile's template directory)");
+  one->excludes(dir);
+  cmd->add_option("--dpi", opts.dpi,
+                  "resolution of images that do not state one, and of PDF "
+                  "pages rendered for OCR (default 300)");
+  cmd->add_option("--lang", opts.lang,
+                  "OCR languages, as Tesseract names them (default eng)");
+  cmd->add_option("--max-pages", opts.max_pages,
+                  "refuse documents with more pages (default 200)");
+  cmd->add_option("--save-model", opts.save_model,
+                  "also write the pages' words as a TSV page file");
+  cmd->add_option("--out", opts.out, "the document tag file to write")
+      ->required();
+  cmd->add_flag("--json", opts.json, "print JSON instead of a table");
+  cmd->add_option("PAGE", opts.pages,
+                  "page files of one document, in order: images (PNG, JPEG, "
+                  "TIFF), PDFs, TSV or hOCR OCR output")
+      ->required();
+}
+
+}  // namespace
+
+void AddExtractCommands(CLI::App& app) {
+  auto opts = std::make_shared<Options>();
+  CLI::App* extract = app.add_subcommand(
+      "extract",
+      "read a document's pages (OCR for images and scanned PDF pages, the "
+      "text layer for other PDF pages), identify its template and write a "
+      "document tag file holding every field's value as read, with its box");
+  AddCommonOptions(extract, *opts);
+  extract->callback([opts] { RunExtract(*opts); });
+}
+
+}  // namespace pelinor::cli

@@ -1,0 +1,3 @@
+#include "pelinor/page_model.h"
+
+#include <gtest/gtest.h>
