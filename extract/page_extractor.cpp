@@ -222,6 +222,23 @@ std::vector<int32_t> RunFrom(const PageView& v, int32_t first) {
   return run;
 }
 
+// Digits in groups with an optional sign, ending in a decimal point or comma
+// and two digits: "1,234.50", "-717,97", "1 234,50", "12.00".
+bool LooksLikeAmount(std::string_view t) {
+  size_t i = 0;
+  if (i < t.size() && (t[i] == '-' || t[i] == '+')) ++i;
+  const size_t start = i;
+  while (i < t.size() && ((t[i] >= '0' && t[i] <= '9') || t[i] == ',' ||
+                          t[i] == '.' || t[i] == ' ' || t[i] == '\'')) {
+    ++i;
+  }
+  if (i != t.size() || t.size() - start < 4) return false;
+  const size_t n = t.size();
+  return (t[n - 3] == '.' || t[n - 3] == ',') && t[n - 2] >= '0' &&
+         t[n - 2] <= '9' && t[n - 1] >= '0' && t[n - 1] <= '9' &&
+         t[start] >= '0' && t[start] <= '9';
+}
+
 // The caption rules: the words right of the caption on its line, else the
 // nearest words below it.
 bool ByCaption(const PageView& v, size_t p, const std::string& caption,
@@ -304,27 +321,48 @@ bool BySearch(const PageView& v, size_t p, cFieldData& scratch,
     return true;
   }
   if (!IsAmountType(type) && !IsDateType(type) && type != 5) return false;
-  // Runs of up to four words, first start in reading order, longest run.
+  // Runs of up to four words of one line that begin and end with a word
+  // holding a digit and are valid for the type as they stand or once
+  // cleaned (as the capture run cleans them); amounts must also look like
+  // one (LooksLikeAmount), since cleaning makes an amount of any digits. The
+  // longest text wins, the first in reading order on ties.
+  auto has_digit = [&](int32_t w) {
+    const std::string& t = v.page->Words[w].Text;
+    return std::any_of(t.begin(), t.end(),
+                       [](char c) { return c >= '0' && c <= '9'; });
+  };
+  const bool amount = IsAmountType(type);
   std::string log;
+  std::vector<int32_t> best;
+  size_t best_size = 0;
   for (const cPageLine& line : lines) {
     for (size_t s = 0; s < line.Words.size(); ++s) {
-      for (size_t n = std::min<size_t>(4, line.Words.size() - s); n >= 1; --n) {
-        std::string text;
-        for (size_t k = 0; k < n; ++k) {
-          if (k > 0) text.push_back(' ');
-          text += v.page->Words[line.Words[s + k]].Text;
+      if (!has_digit(line.Words[s])) continue;
+      std::string text;
+      for (size_t n = 1; n <= 4 && s + n <= line.Words.size(); ++n) {
+        if (n > 1) text.push_back(' ');
+        text += v.page->Words[line.Words[s + n - 1]].Text;
+        if (text.size() <= best_size || !has_digit(line.Words[s + n - 1])) {
+          continue;
         }
+        if (amount && !LooksLikeAmount(text)) continue;
         scratch.value = text;
-        if (scratch.Validate(log)) {
-          std::vector<int32_t> words(line.Words.begin() + s,
-                                     line.Words.begin() + s + n);
-          TakeWords(v, p, words, "search", r);
-          return true;
+        bool valid = scratch.Validate(log);
+        if (!valid) {
+          scratch.value = text;
+          scratch.FormatDataValue();
+          valid = scratch.Validate(log);
+        }
+        if (valid) {
+          best.assign(line.Words.begin() + s, line.Words.begin() + s + n);
+          best_size = text.size();
         }
       }
     }
   }
-  return false;
+  if (best.empty()) return false;
+  TakeWords(v, p, best, "search", r);
+  return true;
 }
 
 struct Shift {
