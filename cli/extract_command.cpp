@@ -94,6 +94,10 @@ bool MayWriteModel(const std::string& path) {
   return in && head == "level\t";
 }
 
+std::string Percent(double score) {
+  return NumberText(std::round(score * 100) / 100);
+}
+
 bool RunExtraction(const Options& opts, Extraction& x) {
   std::string err;
   x.profile = std::make_shared<cProfile>();
@@ -162,7 +166,7 @@ bool RunExtraction(const Options& opts, Extraction& x) {
     Fail(
         "page not identified: no template's identifier text was found "
         "(best " +
-            x.id.Best.File + ", score " + NumberText(x.id.Best.Score) + ")",
+            x.id.Best.File + ", score " + Percent(x.id.Best.Score) + ")",
         kUnidentified);
     return false;
   }
@@ -188,10 +192,6 @@ json MatchJson(const cTemplateMatch& m) {
           {"found", Box(m.Found)},
           {"shift", json::array({m.ShiftX, m.ShiftY})},
           {"distance", m.Distance}};
-}
-
-std::string Percent(double score) {
-  return NumberText(std::round(score * 100) / 100);
 }
 
 void PrintIdentification(const Extraction& x) {
