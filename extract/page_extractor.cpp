@@ -33,30 +33,41 @@ std::string MatchKey(std::string_view s) {
   return out;
 }
 
-size_t EditDistance(std::string_view a, std::string_view b) {
+// The edit distance of `a` and `b`, or any value above `max` once it is
+// sure to exceed `max` (a row whose smallest entry passes `max` ends it).
+size_t EditDistance(std::string_view a, std::string_view b,
+                    size_t max = std::numeric_limits<size_t>::max()) {
   if (a.size() < b.size()) std::swap(a, b);
-  std::vector<size_t> row(b.size() + 1);
+  if (a.size() - b.size() > max) return max + 1;
+  thread_local std::vector<size_t> row;
+  row.resize(b.size() + 1);
   for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
   for (size_t i = 1; i <= a.size(); ++i) {
     size_t diag = row[0];
     row[0] = i;
+    size_t low = row[0];
     for (size_t j = 1; j <= b.size(); ++j) {
       const size_t up = row[j];
       row[j] = std::min(
           {row[j] + 1, row[j - 1] + 1, diag + (a[i - 1] == b[j - 1] ? 0 : 1)});
       diag = up;
+      low = std::min(low, row[j]);
     }
+    if (low > max) return max + 1;
   }
   return row[b.size()];
 }
 
-double KeySimilarity(std::string_view a, std::string_view b) {
+// 1 - distance / longer length; 0 when either is empty. Scores below
+// `floor` may come out as any value below `floor`.
+double KeySimilarity(std::string_view a, std::string_view b, double floor = 0) {
   if (a.empty() || b.empty()) return 0;
   const size_t longer = std::max(a.size(), b.size());
-  // The distance is at least the length difference: skip hopeless pairs.
-  const size_t diff = longer - std::min(a.size(), b.size());
-  if (diff * 2 > longer) return 1.0 - static_cast<double>(diff) / longer;
-  return 1.0 - static_cast<double>(EditDistance(a, b)) / longer;
+  const double allowed = (1.0 - floor) * static_cast<double>(longer) + 1e-9;
+  const size_t max = allowed <= 0 ? 0 : static_cast<size_t>(allowed);
+  const size_t d = EditDistance(a, b, max);
+  if (d > max) return std::max(0.0, floor - 1.0 / longer);
+  return 1.0 - static_cast<double>(d) / longer;
 }
 
 // One page seen in template pixels, with the match key of every word.
@@ -122,14 +133,16 @@ TextHit FindText(const PageView& v, const std::string& target, bool use_ref,
         run += v.keys[w];
         box.Unite(v.boxes[w]);
         if (run.size() > limit) break;
-        const double score = KeySimilarity(run, target);
+        // Only a run at least as good as the best so far matters.
+        const double score = KeySimilarity(run, target, best.score);
+        if (score < best.score - 1e-9) continue;
         const double dist =
             use_ref ? std::hypot(static_cast<double>(box.Left - ref_x),
                                  static_cast<double>(box.Top - ref_y))
                     : 0;
-        const bool better = score > best.score + 1e-9 ||
-                            (use_ref && std::abs(score - best.score) <= 1e-9 &&
-                             best.first >= 0 && dist < best.distance);
+        const bool better =
+            score > best.score + 1e-9 ||
+            (use_ref && best.first >= 0 && dist < best.distance);
         if (better) {
           best = {score, dist, box, words[s], w, l};
         }
