@@ -10,12 +10,15 @@
 //   reports field accuracy: the share of the samples' published values that
 //   the cleaned fields match exactly, for the scans and for the PDFs
 //   (coolblue2 is a PDF only, read with the template made from coolblue1).
+// - BM_OcrJobs: two scans OCR'd by one or two threads.
 
 #include <benchmark/benchmark.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "pelinor/capture_run.h"
@@ -289,5 +292,38 @@ void BM_OcrSampleScan(benchmark::State& state) {
   state.counters["pdf_accuracy"] = pdf_total ? double(pdf_hits) / pdf_total : 0;
 }
 BENCHMARK(BM_OcrSampleScan)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+// The two sample scans read as one document by 1 or 2 threads, each with
+// its own reader, as `pelinor process --jobs N` does. Run with
+// OMP_THREAD_LIMIT=1 so that Tesseract's own threads do not compete.
+void BM_OcrJobs(benchmark::State& state) {
+  const std::vector<std::string> files = {
+      Source("examples/samples/coolblue1-scan.png"),
+      Source("examples/samples/AzureInterior-scan.png")};
+  const size_t jobs = static_cast<size_t>(state.range(0));
+  for (auto _ : state) {
+    std::vector<cPageModel> read(files.size());
+    std::atomic<size_t> next{0};
+    auto work = [&] {
+      cPageReader reader;
+      std::string err;
+      for (size_t i; (i = next++) < files.size();) {
+        reader.ReadFile(files[i], read[i], err);
+      }
+    };
+    std::vector<std::thread> threads;
+    for (size_t t = 1; t < jobs; ++t) threads.emplace_back(work);
+    work();
+    for (std::thread& t : threads) t.join();
+    benchmark::DoNotOptimize(read);
+  }
+  state.counters["pages"] = static_cast<double>(files.size());
+}
+BENCHMARK(BM_OcrJobs)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(1);
 
 }  // namespace
