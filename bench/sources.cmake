@@ -8,4 +8,5 @@ set(PELINOR_BENCH_SOURCES
   bench/template_bench.cpp
   bench/document_bench.cpp
   bench/capture_bench.cpp
+  bench/extract_bench.cpp
 )

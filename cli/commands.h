@@ -17,6 +17,8 @@ void AddProfileCommands(CLI::App& app);
 void AddTemplateCommands(CLI::App& app);
 // Adds "capture" and the "document" group (show, upgrade).
 void AddCaptureCommand(CLI::App& app);
+// Adds "extract" and "process": from page files to a document tag file.
+void AddExtractCommands(CLI::App& app);
 
 }  // namespace pelinor::cli
 

@@ -140,6 +140,7 @@ int main(int argc, char** argv) {
   pelinor::cli::AddProfileCommands(app);
   pelinor::cli::AddTemplateCommands(app);
   pelinor::cli::AddCaptureCommand(app);
+  pelinor::cli::AddExtractCommands(app);
 
   if (argc == 1) {
     pelinor::cli::WriteStdout(app.help());

@@ -11,4 +11,5 @@ set(PELINOR_CLI_SOURCES
   cli/capture_command.cpp
   cli/completion.cpp
   cli/repair_explain.cpp
+  cli/extract_command.cpp
 )

@@ -112,4 +112,60 @@ int Windows1252Of(char32_t cp) {
   return -1;
 }
 
+std::string Utf8ToWindows1252(std::string_view s) {
+  std::string out;
+  out.reserve(s.size());
+  size_t i = 0;
+  while (i < s.size()) {
+    unsigned char b = static_cast<unsigned char>(s[i]);
+    size_t len = b < 0x80         ? 1
+                 : (b >> 5) == 6  ? 2
+                 : (b >> 4) == 14 ? 3
+                 : (b >> 3) == 30 ? 4
+                                  : 0;
+    char32_t cp = 0;
+    bool valid = len != 0 && i + len <= s.size();
+    if (valid) {
+      cp = len == 1 ? b : b & (0x7F >> len);
+      for (size_t k = 1; k < len; ++k) {
+        unsigned char c = static_cast<unsigned char>(s[i + k]);
+        if ((c & 0xC0) != 0x80) {
+          valid = false;
+          break;
+        }
+        cp = (cp << 6) | (c & 0x3F);
+      }
+    }
+    if (!valid) {
+      // Not UTF-8: take the byte as Windows-1252 already.
+      out.push_back(static_cast<char>(b));
+      ++i;
+      continue;
+    }
+    int byte = Windows1252Of(cp);
+    out.push_back(byte < 0 ? '?' : static_cast<char>(byte));
+    i += len;
+  }
+  return out;
+}
+
+std::string Windows1252ToUtf8(std::string_view s) {
+  std::string out;
+  out.reserve(s.size() + s.size() / 8);
+  for (char ch : s) {
+    char32_t cp = CodePointOf(ch);
+    if (cp < 0x80) {
+      out.push_back(static_cast<char>(cp));
+    } else if (cp < 0x800) {
+      out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
+      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+    } else {
+      out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
+      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+    }
+  }
+  return out;
+}
+
 }  // namespace pelinor

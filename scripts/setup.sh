@@ -8,6 +8,9 @@ packages=(cmake ninja-build g++ clang pkg-config libpcre2-dev libcli11-dev
 # The Python module, its tests and the Python benchmark's comparison parsers.
 packages+=(pybind11-dev python3-dev python3-pytest python3-setuptools
            python3-wheel python3-pip python3-dateparser python3-babel)
+# Extraction from pages (pelinor_extract): OCR, images, PDFs, test fonts.
+packages+=(libtesseract-dev tesseract-ocr-eng libleptonica-dev
+           libpoppler-cpp-dev fonts-dejavu-core poppler-utils)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "ok installed" \

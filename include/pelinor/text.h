@@ -84,6 +84,19 @@ char32_t CodePointOf(char c);
 // The Windows-1252 byte of a Unicode code point, or -1 when it has none.
 int Windows1252Of(char32_t code_point);
 
+// Utf8ToWindows1252()
+//
+// UTF-8 text (from people, OCR engines, PDF text layers) as Windows-1252.
+// Characters with no Windows-1252 form become "?"; bytes that are not
+// valid UTF-8 are taken as Windows-1252 already.
+std::string Utf8ToWindows1252(std::string_view utf8);
+
+// Windows1252ToUtf8()
+//
+// Windows-1252 text as UTF-8; the five undefined bytes map to the C1
+// control of the same value.
+std::string Windows1252ToUtf8(std::string_view cp1252);
+
 }  // namespace pelinor
 
 #endif  // PELINOR_TEXT_H_
