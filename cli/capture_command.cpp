@@ -1,7 +1,6 @@
-// The "capture" verb: the main job run over whole documents. Each document
-// tag file is read, given its profile and template, every field and every
-// line-item cell is validated and cleaned, the status of each value and of
-// the document is set, and the tag file is written back.
+// The "capture" verb: the main job run over whole documents, a thin layer
+// over the library's capture run (pelinor/capture_run.h): it gathers the
+// inputs, and prints each document's report as a table, JSON or JSON lines.
 //
 // Format: see docs/formats/document.md.
 
@@ -17,10 +16,8 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "pelinor/capture_run.h"
 #include "pelinor/document_data.h"
-#include "pelinor/evaluate_pattern.h"
-#include "pelinor/file_system.h"
-#include "pelinor/format.h"
 #include "pelinor/numeric.h"
 #include "pelinor/profile.h"
 #include "pelinor/registry.h"
@@ -31,136 +28,20 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-// The status a value or document gets when it fails validation.
-constexpr int32_t kInvalidStatus = 2;
-
 struct Options {
   std::string profile;
   std::string tpl;
   std::string log;
   std::string out_dir;
+  std::string files_from;
   bool in_place = false;
   bool json = false;
-  std::vector<std::string> files;
+  bool json_lines = false;
+  bool recheck = false;
+  bool fail_on_invalid = false;
+  int32_t jobs = 0;
+  std::vector<std::string> inputs;
 };
-
-// One checked value, for the report.
-struct Checked {
-  std::string name;  // field name, or "Line 2 Quantity" for a cell
-  std::string raw;
-  std::string value;
-  int32_t status = 0;
-  std::string message;
-};
-
-// The message naming the format a value of `type` must have.
-std::string ExpectedFormat(int32_t type, const std::string& pattern) {
-  if (type == 4 || type == 200) return "Amount expected, for example 1234.50";
-  if (type == 2 || type == 300) return "Number expected, for example 1234.5";
-  if (type == 5) return "UK postcode expected, for example SW1A 1AA";
-  if (IsDateType(type)) {
-    const std::string locale = ReadServerSetting(kLocaleValue, "GB");
-    if (locale == "US") return "Date expected as mm/dd/yyyy";
-    if (locale == "JP") return "Date expected as yyyy/mm/dd";
-    return "Date expected as dd/mm/yyyy";
-  }
-  return "Value does not match the pattern " + pattern;
-}
-
-// Checks and cleans one value the way a capture step does: a value that
-// passes is normalised in place; one that fails is cleaned (formatter, or
-// the pattern with OCR coercion) and checked again. `validate` and
-// `format` are the value's own Validate() and FormatDataValue().
-template <typename Validate, typename Format>
-void CheckValue(std::string& value, int32_t type, const std::string& pattern,
-                Validate validate, Format format, int32_t& status,
-                std::string& message) {
-  const bool pattern_type =
-      !IsAmountType(type) && !IsDateType(type) && type != 5;
-  bool valid = validate();
-  if (valid) {
-    format();
-  } else if (pattern_type) {
-    std::string cleaned, err;
-    valid = ValidatePatternValue(value, pattern, true, cleaned, err);
-    if (valid) value = cleaned;
-  } else {
-    format();
-    valid = validate();
-  }
-  status = valid ? 0 : kInvalidStatus;
-  message = valid ? "" : ExpectedFormat(type, pattern);
-}
-
-// The pattern a cell is checked against: its line header's.
-std::string CellPattern(const cDocumentData& doc, const std::string& name) {
-  for (const auto& h : doc.LineHeaders) {
-    if (h && EqualsIgnoreCase(h->Name, name)) return h->Pattern;
-  }
-  return "";
-}
-
-std::vector<Checked> Capture(cDocumentData& doc, std::string& log) {
-  std::vector<Checked> report;
-  for (const auto& f : doc.Fields) {
-    if (!f) continue;
-    Checked c{f->Name, f->value, "", 0, ""};
-    CheckValue(
-        f->value, f->DataType(), f->Pattern(), [&] { return f->Validate(log); },
-        [&] { f->FormatDataValue(); }, f->Status, f->StatusMessage);
-    c.value = f->value;
-    c.status = f->Status;
-    c.message = f->StatusMessage;
-    report.push_back(c);
-  }
-  doc.ClearLineHeaders();
-  doc.UpdateLineHeaders(doc.Profile, doc.Template);
-  int32_t line = 0;
-  for (const auto& row : doc.LineData) {
-    ++line;
-    if (!row) continue;
-    bool row_valid = true;
-    for (const auto& cell : row->colLineItemData) {
-      if (!cell) continue;
-      for (const auto& h : doc.LineHeaders) {
-        if (h && EqualsIgnoreCase(h->Name, cell->Name)) {
-          cell->DataType = h->DataType;
-          cell->Flags = h->DataFlags;
-          break;
-        }
-      }
-      Checked c{"Line " + NumberText(line) + " " + cell->Name, cell->value, "",
-                0, ""};
-      CheckValue(
-          cell->value, cell->DataType, CellPattern(doc, cell->Name),
-          [&] { return cell->Validate(log); },
-          [&] { cell->FormatDataValue(log); }, cell->Status,
-          cell->StatusMessage);
-      row_valid = row_valid && cell->Status == 0;
-      c.value = cell->value;
-      c.status = cell->Status;
-      c.message = cell->StatusMessage;
-      report.push_back(c);
-    }
-    row->Status = row_valid ? 0 : kInvalidStatus;
-    row->StatusMessage = row_valid ? "" : "A value of the line is not valid";
-  }
-  std::string failed;
-  int count = 0;
-  for (const Checked& c : report) {
-    if (c.status == 0) continue;
-    ++count;
-    failed += (failed.empty() ? "" : ", ") + c.name;
-  }
-  doc.Status = count == 0 ? 0 : kInvalidStatus;
-  doc.StatusMessage = count == 0
-                          ? ""
-                          : NumberText(count) +
-                                (count == 1 ? " value is not valid: "
-                                            : " values are not valid: ") +
-                                failed;
-  return report;
-}
 
 std::string BaseName(const std::string& path) {
   return path.substr(path.find_last_of("/\\") + 1);
@@ -173,30 +54,52 @@ std::string StemOf(const std::string& path) {
   return base;
 }
 
-void PrintTable(const std::string& file, const cDocumentData& doc,
-                const std::vector<Checked>& report) {
+void PrintTable(const cCaptureFileResult& r) {
+  const cCaptureReport& report = r.Report;
   const char* heads[] = {"Field", "Raw value", "Result", "Status"};
   size_t w[3] = {5, 9, 6};
-  for (const Checked& c : report) {
-    w[0] = std::max(w[0], c.name.size());
-    w[1] = std::max(w[1], c.raw.size());
-    w[2] = std::max(w[2], c.value.size());
+  for (const cCaptureValue& c : report.Values) {
+    w[0] = std::max(w[0], c.Name.size());
+    w[1] = std::max(w[1], c.Raw.size());
+    w[2] = std::max(w[2], c.Result.size());
   }
   auto pad = [](const std::string& s, size_t n) {
     return s + std::string(n > s.size() ? n - s.size() : 0, ' ');
   };
-  PrintLine(file + ": " +
-            (doc.Status == 0 ? std::string("valid")
-                             : "status " + NumberText(doc.Status) + ", " +
-                                   doc.StatusMessage));
+  PrintLine(r.File + ": " +
+            (report.Status == 0 ? std::string("valid")
+                                : "status " + NumberText(report.Status) + ", " +
+                                      report.Message));
   PrintLine("  " + pad(heads[0], w[0]) + "  " + pad(heads[1], w[1]) + "  " +
             pad(heads[2], w[2]) + "  " + heads[3]);
-  for (const Checked& c : report) {
-    PrintLine("  " + pad(c.name, w[0]) + "  " + pad(c.raw, w[1]) + "  " +
-              pad(c.value, w[2]) + "  " +
-              (c.status == 0 ? std::string("ok") : "FAIL: " + c.message));
+  for (const cCaptureValue& c : report.Values) {
+    PrintLine("  " + pad(c.Name, w[0]) + "  " + pad(c.Raw, w[1]) + "  " +
+              pad(c.Result, w[2]) + "  " +
+              (c.Status == 0 ? std::string("ok") : "FAIL: " + c.Message));
   }
   PrintLine("");
+}
+
+// The JSON object of one document (keys in lower case).
+json FileJson(const cCaptureFileResult& r) {
+  if (!r.Captured) {
+    return {{"file", Json(r.File)}, {"error", Json(r.Error)}};
+  }
+  json values = json::array();
+  for (const cCaptureValue& c : r.Report.Values) {
+    values.push_back({{"name", Json(c.Name)},
+                      {"raw", Json(c.Raw)},
+                      {"value", Json(c.Result)},
+                      {"status", c.Status},
+                      {"message", Json(c.Message)}});
+  }
+  json j = {{"file", Json(r.File)},
+            {"written", Json(r.Written)},
+            {"status", r.Report.Status},
+            {"message", Json(r.Report.Message)},
+            {"values", values}};
+  if (!r.Error.empty()) j["error"] = Json(r.Error);
+  return j;
 }
 
 void Progress(size_t done, size_t total) {
@@ -209,74 +112,69 @@ void Progress(size_t done, size_t total) {
 }
 
 void RunCapture(const Options& opts) {
-  if (opts.in_place && !opts.out_dir.empty()) {
-    Fail("--out-dir and --in-place cannot be used together");
-    return;
-  }
-  if (!opts.out_dir.empty()) {
-    std::error_code ec;
-    std::filesystem::create_directories(opts.out_dir, ec);
-  }
   std::string err;
-  auto profile = std::make_shared<cProfile>();
-  const std::string profile_file = FromUtf8(opts.profile);
-  if (!profile->ReadSettings(StemOf(profile_file), profile_file, err)) {
+  std::vector<std::string> inputs;
+  for (const std::string& typed : opts.inputs)
+    inputs.push_back(FromUtf8(typed));
+  if (!opts.files_from.empty() &&
+      !ReadFileList(FromUtf8(opts.files_from), inputs, err)) {
     Fail(err);
     return;
   }
-  auto tpl = cTemplate::New();
-  tpl->Profile = profile;
-  if (!tpl->ReadSettings(FromUtf8(opts.tpl), err)) {
+  std::vector<std::string> files;
+  if (!CollectTagFiles(inputs, files, err)) {
     Fail(err);
     return;
   }
-  std::string log = FromUtf8(opts.log);
-  const bool progress = !opts.json && opts.files.size() > 1 && isatty(2);
+  if (files.empty()) {
+    Fail("no documents to capture");
+    return;
+  }
+  cCaptureRunOptions run_opts;
+  run_opts.ProfileFile = FromUtf8(opts.profile);
+  run_opts.TemplateFile = FromUtf8(opts.tpl);
+  run_opts.Capture.LogFile = FromUtf8(opts.log);
+  run_opts.Capture.Recheck = opts.recheck;
+  run_opts.OutDir = FromUtf8(opts.out_dir);
+  run_opts.InPlace = opts.in_place;
+  run_opts.Jobs = opts.jobs;
+  auto run = cCaptureRun::Open(run_opts, err);
+  if (!run) {
+    Fail(err);
+    return;
+  }
+  if (!run->CheckOutputs(files, err)) {
+    Fail(err);
+    return;
+  }
+  const bool progress =
+      !opts.json && !opts.json_lines && files.size() > 1 && isatty(2);
   json all = json::array();
   size_t done = 0;
-  for (const std::string& typed : opts.files) {
-    const std::string file = FromUtf8(typed);
-    auto doc = cDocumentData::New();
-    if (!doc->ReadSettings(file, err)) {
-      Fail(file + ": " + err);
-      if (opts.json)
-        all.push_back({{"file", Json(file)}, {"error", Json(err)}});
-      continue;
+  bool any_invalid = false;
+  run->Run(files, [&](const cCaptureFileResult& r) {
+    if (!r.Captured) {
+      Fail(r.File + ": " + r.Error);
+    } else if (!r.Error.empty()) {
+      Fail(r.Error);
     }
-    doc->Profile = profile;
-    doc->Template = tpl;
-    const std::vector<Checked> report = Capture(*doc, log);
-    std::string written;
-    if (opts.in_place || !opts.out_dir.empty()) {
-      written = opts.in_place
-                    ? file
-                    : JoinPath(FromUtf8(opts.out_dir), BaseName(file));
-      if (!doc->WriteSettings(written, err)) {
-        Fail("cannot write " + written + ": " + err);
-        written.clear();
-      }
-    }
-    if (opts.json) {
-      json values = json::array();
-      for (const Checked& c : report) {
-        values.push_back({{"name", Json(c.name)},
-                          {"raw", Json(c.raw)},
-                          {"value", Json(c.value)},
-                          {"status", c.status},
-                          {"message", Json(c.message)}});
-      }
-      all.push_back({{"file", Json(file)},
-                     {"written", Json(written)},
-                     {"status", doc->Status},
-                     {"message", Json(doc->StatusMessage)},
-                     {"values", values}});
-    } else {
+    any_invalid = any_invalid || r.Report.InvalidCount > 0;
+    if (opts.json_lines) {
+      std::cout << FileJson(r).dump() << "\n";
+    } else if (opts.json) {
+      all.push_back(FileJson(r));
+    } else if (r.Captured) {
       if (progress) std::fprintf(stderr, "\r%*s\r", 50, "");
-      PrintTable(file, *doc, report);
+      PrintTable(r);
     }
-    if (progress) Progress(++done, opts.files.size());
-  }
+    if (progress) Progress(++done, files.size());
+    return true;
+  });
   if (opts.json) std::cout << all.dump(2) << "\n";
+  std::cout.flush();
+  if (opts.fail_on_invalid && any_invalid && ExitStatus() == 0) {
+    SetExitStatus(1);
+  }
 }
 
 // ---------------------------------------------------------------------------
@@ -452,12 +350,28 @@ void AddCaptureCommand(CLI::App& app) {
   capture->add_option("--template", opts->tpl, "the template file")->required();
   capture->add_option("--log", opts->log,
                       "append the pattern evaluation log to this file");
+  capture->add_option("--jobs,-j", opts->jobs,
+                      "documents captured at once (default: the number of "
+                      "cores); output keeps the input order");
+  capture->add_option("--files-from", opts->files_from,
+                      "read further document paths from this file, one a "
+                      "line (- for standard input)");
+  capture->add_flag("--recheck", opts->recheck,
+                    "check values already valid (status 0) again; a date "
+                    "already in the locale's order keeps its order");
+  capture->add_flag("--fail-on-invalid", opts->fail_on_invalid,
+                    "exit with status 1 when any value is not valid");
+  capture->add_flag("--json-lines", opts->json_lines,
+                    "print one JSON object per document and line, as each "
+                    "is done");
   capture->add_option("--out-dir", opts->out_dir,
                       "write the captured tag files into this directory");
   capture->add_flag("--in-place", opts->in_place,
                     "rewrite each tag file in place");
   capture->add_flag("--json", opts->json, "print JSON instead of tables");
-  capture->add_option("DOC", opts->files, "document tag files")->required();
+  capture->add_option("DOC", opts->inputs,
+                      "document tag files, or folders searched at any depth "
+                      "for *.tag files");
   capture->callback([opts] { RunCapture(*opts); });
 }
 

@@ -5,6 +5,8 @@
 
 #include "pelinor/registry.h"
 
+#include "pelinor/file_system.h"
+#include "pelinor/settings_snapshot.h"
 #include "reg_file_store.h"
 
 namespace pelinor {
@@ -150,8 +152,31 @@ std::string RegReadString(int32_t hive, const std::string& keyPath,
 
 std::string ReadServerSetting(const std::string& valueName,
                               const std::string& strDefault) {
+  // A batch that took a snapshot answers its two settings from it.
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    if (valueName == kLocaleValue) return snapshot->Locale(strDefault);
+    if (valueName == kProfileDirValue) {
+      return snapshot->ProfileDir().empty() ? strDefault
+                                            : snapshot->ProfileDir();
+    }
+  }
   return RegReadString(kHkeyLocalMachine, kServerKeyPath, valueName,
                        strDefault);
+}
+
+std::string ServerProfileDir() {
+  const std::string dir = ReadServerSetting(kProfileDirValue, "");
+#ifdef _WIN32
+  return dir;
+#else
+  if (dir.empty() || dir[0] == '/') return dir;
+  // Relative to the folder of the machine-wide settings file, so that an
+  // installation can be moved or run from any current directory.
+  const std::string store = registry_internal::MachineStorePath();
+  const size_t slash = store.find_last_of('/');
+  if (slash == std::string::npos) return dir;
+  return JoinPath(store.substr(0, slash == 0 ? 1 : slash), dir);
+#endif
 }
 
 int32_t RegDeleteValueSetting(int32_t hive, const std::string& keyPath,

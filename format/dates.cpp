@@ -11,6 +11,7 @@
 #include "pelinor/format.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/settings_snapshot.h"
 #include "pelinor/text.h"
 
 namespace pelinor {
@@ -145,6 +146,13 @@ bool cFormat::FormatDate(const std::string& value, std::string& out,
   }
   out = day + "/" + month + "/" + year;
   return true;
+}
+
+bool cFormat::FormatDate(const std::string& value, std::string& out,
+                         int32_t code,
+                         const cSettingsSnapshot& settings) const {
+  const ScopedSettingsSnapshot scope(&settings);
+  return FormatDate(value, out, code);
 }
 
 bool cFormat::ValidateRawDate(const std::string& value, std::string& day,

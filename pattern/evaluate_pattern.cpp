@@ -6,21 +6,40 @@
 #include "pelinor/file_system.h"
 #include "pelinor/log.h"
 #include "pelinor/registry.h"
+#include "pelinor/settings_snapshot.h"
 
 namespace pelinor {
 
-std::string CharMapPath() {
-  std::string dir = ReadServerSetting(kProfileDirValue, "");
-  if (dir.empty()) return "";
-  return JoinPath(dir, kCharMapFileName);
+namespace {
+
+// Gives `engine` the mapping file's table: from `snapshot` when there is
+// one (no file access), else read now. False, with `strErrMsg` set, when
+// the file exists but cannot be read.
+bool LoadMappings(cPatternEngine& engine, const cSettingsSnapshot* snapshot,
+                  std::string& strErrMsg) {
+  if (snapshot != nullptr) {
+    if (!snapshot->CharMapError().empty()) {
+      strErrMsg = snapshot->CharMapError();
+      return false;
+    }
+    if (snapshot->CharMapper()) {
+      // Copies share the loaded table until one is changed.
+      engine.CharMapper =
+          std::make_shared<cCharMapper>(*snapshot->CharMapper());
+    }
+    return true;
+  }
+  const std::string map_path = CharMapPath();
+  return map_path.empty() || !FileExists(map_path) ||
+         engine.LoadCharacterMappings(map_path, strErrMsg);
 }
 
-bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
-                         const std::string& strPatternSpec, bool bCoerce,
-                         bool bSuppressSpaces, bool bWhole,
-                         bool bKeepSurrounding, std::string& strOutput,
-                         std::string& strErrMsg,
-                         const std::string& strLogFile) {
+bool Evaluate(cPatternEngine& engine, std::string& strText,
+              const std::string& strPatternSpec, bool bCoerce,
+              bool bSuppressSpaces, bool bWhole, bool bKeepSurrounding,
+              std::string& strOutput, std::string& strErrMsg,
+              const std::string& strLogFile,
+              const cSettingsSnapshot* snapshot) {
   strErrMsg.clear();
   // Messages are only built when there is a log to write them to.
   const bool logging = !strLogFile.empty();
@@ -31,9 +50,7 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
                                   (bCoerce ? " Coertion:on" : " Coertion:off"));
   }
 
-  const std::string map_path = CharMapPath();
-  if (!map_path.empty() && FileExists(map_path) &&
-      !engine.LoadCharacterMappings(map_path, strErrMsg)) {
+  if (!LoadMappings(engine, snapshot, strErrMsg)) {
     AppendLogLine(strLogFile, strErrMsg);
     return false;
   }
@@ -80,6 +97,28 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
   return true;
 }
 
+}  // namespace
+
+std::string CharMapPath() {
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    return snapshot->CharMapPath();
+  }
+  const std::string dir = ServerProfileDir();
+  if (dir.empty()) return "";
+  return JoinPath(dir, kCharMapFileName);
+}
+
+bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
+                         const std::string& strPatternSpec, bool bCoerce,
+                         bool bSuppressSpaces, bool bWhole,
+                         bool bKeepSurrounding, std::string& strOutput,
+                         std::string& strErrMsg,
+                         const std::string& strLogFile) {
+  return Evaluate(engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                  bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                  cSettingsSnapshot::Current());
+}
+
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bCoerce, bool bSuppressSpaces, bool bWhole,
                      bool bKeepSurrounding, std::string& strOutput,
@@ -90,12 +129,32 @@ bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                              strOutput, strErrMsg, strLogFile);
 }
 
+bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
+                     bool bCoerce, bool bSuppressSpaces, bool bWhole,
+                     bool bKeepSurrounding, std::string& strOutput,
+                     std::string& strErrMsg, const std::string& strLogFile,
+                     const cSettingsSnapshot& settings) {
+  cPatternEngine engine;
+  return Evaluate(engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                  bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                  &settings);
+}
+
 bool ValidatePatternValue(const std::string& strText,
                           const std::string& strPatternSpec, bool bCoerce,
                           std::string& strValue, std::string& strErrMsg) {
   std::string text = strText;
   return EvaluatePattern(text, strPatternSpec, bCoerce, false, true, false,
                          strValue, strErrMsg, "");
+}
+
+bool ValidatePatternValue(const std::string& strText,
+                          const std::string& strPatternSpec, bool bCoerce,
+                          std::string& strValue, std::string& strErrMsg,
+                          const cSettingsSnapshot& settings) {
+  std::string text = strText;
+  return EvaluatePattern(text, strPatternSpec, bCoerce, false, true, false,
+                         strValue, strErrMsg, "", settings);
 }
 
 }  // namespace pelinor

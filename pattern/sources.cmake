@@ -6,4 +6,5 @@ set(PELINOR_PATTERN_SOURCES
   pattern/pattern_spec.cpp
   pattern/pattern_match.cpp
   pattern/evaluate_pattern.cpp
+  pattern/settings_snapshot.cpp
 )

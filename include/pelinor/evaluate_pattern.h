@@ -7,8 +7,12 @@
 // "ProfileDir", loads the pattern, matches and picks the value, and
 // appends its progress to the caller's log file.
 //
+// The overloads that take a cSettingsSnapshot (and every call made on a
+// thread with a ScopedSettingsSnapshot) use the snapshot's mappings and
+// touch neither the registry nor the file system.
+//
 // Thread safety: calls share nothing but the compiled-pattern cache and
-// may run on several threads at once.
+// immutable snapshots, and may run on several threads at once.
 
 #ifndef PELINOR_EVALUATE_PATTERN_H_
 #define PELINOR_EVALUATE_PATTERN_H_
@@ -19,13 +23,16 @@
 
 namespace pelinor {
 
+class cSettingsSnapshot;
+
 inline constexpr char kIllegalPatternError[] = "Illegal pattern specification";
 inline constexpr char kPatternValidationError[] = "Pattern validation failed.";
 inline constexpr char kCharMapFileName[] = "CharMap.txt";
 
 // CharMapPath()
 //
-// The path of "CharMap.txt" in the directory named by "ProfileDir", or ""
+// The path of "CharMap.txt" in the directory named by "ProfileDir"
+// (ServerProfileDir(): relative to the settings file's folder), or ""
 // when that setting is missing or empty. A trailing "/" or "\" on the
 // setting gives the same path as none.
 std::string CharMapPath();
@@ -49,6 +56,15 @@ bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bKeepSurrounding, std::string& strOutput,
                      std::string& strErrMsg, const std::string& strLogFile);
 
+// EvaluatePattern() with the mappings of `settings` (its CharMapError()
+// fails the evaluation as an unreadable file would), whatever the registry
+// and the profile directory hold now.
+bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
+                     bool bCoerce, bool bSuppressSpaces, bool bWhole,
+                     bool bKeepSurrounding, std::string& strOutput,
+                     std::string& strErrMsg, const std::string& strLogFile,
+                     const cSettingsSnapshot& settings);
+
 // EvaluatePatternWith()
 //
 // EvaluatePattern() run on `engine`, so that a tool can show the elements
@@ -68,6 +84,12 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
 bool ValidatePatternValue(const std::string& strText,
                           const std::string& strPatternSpec, bool bCoerce,
                           std::string& strValue, std::string& strErrMsg);
+
+// ValidatePatternValue() with the mappings of `settings`.
+bool ValidatePatternValue(const std::string& strText,
+                          const std::string& strPatternSpec, bool bCoerce,
+                          std::string& strValue, std::string& strErrMsg,
+                          const cSettingsSnapshot& settings);
 
 }  // namespace pelinor
 

@@ -10,8 +10,9 @@
 //
 // Thread safety: cFormat holds no state; one object may be used from
 // several threads at once. Date routines read the machine-wide setting
-// "HalvernLocale" from the registry and logging reads PELINORLOGFORMAT on
-// every call.
+// "HalvernLocale" from the registry (or from the thread's
+// ScopedSettingsSnapshot, settings_snapshot.h) and logging reads
+// PELINORLOGFORMAT on every call.
 
 #ifndef PELINOR_FORMAT_H_
 #define PELINOR_FORMAT_H_
@@ -23,6 +24,7 @@
 namespace pelinor {
 
 class cPatternEngine;
+class cSettingsSnapshot;
 
 class cFormat {
  public:
@@ -105,6 +107,11 @@ class cFormat {
   // On failure `out` is unchanged.
   bool FormatDate(const std::string& value, std::string& out,
                   int32_t code) const;
+
+  // FormatDate() in the order of `settings`' locale, without reading the
+  // registry.
+  bool FormatDate(const std::string& value, std::string& out, int32_t code,
+                  const cSettingsSnapshot& settings) const;
 
   // ValidateRawDate()
   //

@@ -120,9 +120,18 @@ std::string RegReadString(int32_t hive, const std::string& keyPath,
 // ReadServerSetting()
 //
 // The server's setting `valueName` ("HalvernLocale", "ProfileDir") from
-// HKEY_LOCAL_MACHINE, or `strDefault`.
+// HKEY_LOCAL_MACHINE, or `strDefault`. On a thread where a
+// ScopedSettingsSnapshot is active, "HalvernLocale" and "ProfileDir" come
+// from that snapshot instead (settings_snapshot.h).
 std::string ReadServerSetting(const std::string& valueName,
                               const std::string& strDefault);
+
+// ServerProfileDir()
+//
+// "ProfileDir" as a directory to open: a relative value is taken relative
+// to the folder of the machine-wide settings file (not the current
+// directory); "" when the setting is missing or empty.
+std::string ServerProfileDir();
 
 // MachineSettingsKeyPath()
 // UserSettingsKeyPath()

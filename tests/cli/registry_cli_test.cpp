@@ -114,7 +114,7 @@ TEST(RegistryCli, StoreOptionsOverrideTheEnvironment) {
           {{"registry", "--registry", example, "get", "HKLM", "Pelinor Server",
             "Default", "ProfileDir"},
            0,
-           "examples/profiles\n",
+           "profiles\n",
            ""},
           {{"registry", "--user-registry", dir.File("user.reg"), "set", "HKCU",
             "A", "S", "K", "V"},

@@ -529,7 +529,7 @@ TEST(Registry, ReadsTheSampleServerSettings) {
     std::string name, expected;
   } cases[] = {
       {"HalvernLocale", "GB"},
-      {"profiledir", "examples/profiles"},
+      {"profiledir", "profiles"},
       {"Missing", "dflt"},
   };
   for (const Case& c : cases) {

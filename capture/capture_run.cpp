@@ -1,0 +1,440 @@
+// The capture run. Rules: docs/capture.md; tag files:
+// docs/formats/document.md.
+
+#include "pelinor/capture_run.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "pelinor/document_data.h"
+#include "pelinor/evaluate_pattern.h"
+#include "pelinor/field_data.h"
+#include "pelinor/file_system.h"
+#include "pelinor/format.h"
+#include "pelinor/line_data.h"
+#include "pelinor/numeric.h"
+#include "pelinor/profile.h"
+#include "pelinor/registry.h"
+#include "pelinor/template.h"
+#include "pelinor/text.h"
+
+namespace pelinor {
+namespace {
+
+// The message naming the format a value of `type` must have.
+std::string ExpectedFormat(int32_t type, const std::string& pattern) {
+  if (type == 4 || type == 200) return "Amount expected, for example 1234.50";
+  if (type == 2 || type == 300) return "Number expected, for example 1234.5";
+  if (type == 5) return "UK postcode expected, for example SW1A 1AA";
+  if (IsDateType(type)) {
+    const std::string locale = UCase(ReadServerSetting(kLocaleValue, "GB"));
+    if (locale == "US") return "Date expected as mm/dd/yyyy";
+    if (locale == "JP") return "Date expected as yyyy/mm/dd";
+    return "Date expected as dd/mm/yyyy";
+  }
+  return "Value does not match the pattern " + pattern;
+}
+
+// Checks and cleans one value: a value that passes is normalised in place;
+// one that fails is cleaned (formatter, or the pattern with OCR coercion)
+// and checked again. `validate` and `format` are the value's own
+// Validate() and FormatDataValue(). A value that was valid before this
+// capture (`was_valid`, checked again on request) and still passes is in
+// its stored form already and is left alone: formatting is not meant to be
+// applied twice (a stored date would be read in the template's order and
+// could swap day and month; "12345.67" read as a comma number loses its
+// point).
+template <typename Validate, typename Format>
+void CheckValue(std::string& value, int32_t type, const std::string& pattern,
+                bool was_valid, Validate validate, Format format,
+                int32_t& status, std::string& message) {
+  const bool pattern_type =
+      !IsAmountType(type) && !IsDateType(type) && type != 5;
+  bool valid = validate();
+  if (valid) {
+    if (!was_valid) format();
+  } else if (pattern_type) {
+    std::string cleaned, err;
+    valid = ValidatePatternValue(value, pattern, true, cleaned, err);
+    if (valid) value = cleaned;
+  } else {
+    format();
+    valid = validate();
+  }
+  status = valid ? 0 : kCaptureInvalidStatus;
+  message = valid ? "" : ExpectedFormat(type, pattern);
+}
+
+// The pattern a cell is checked against: its line header's.
+std::string CellPattern(const cDocumentData& doc, const std::string& name) {
+  for (const auto& h : doc.LineHeaders) {
+    if (h && EqualsIgnoreCase(h->Name, name)) return h->Pattern;
+  }
+  return "";
+}
+
+void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
+                   cCaptureReport& report) {
+  // Validate() takes the log file name by non-const reference.
+  std::string log = options.LogFile;
+  for (const auto& f : doc.Fields) {
+    if (!f) continue;
+    cCaptureValue c{f->Name, f->value, "", 0, ""};
+    const bool was_valid = f->Status == 0;
+    if (!was_valid || options.Recheck) {
+      CheckValue(
+          f->value, f->DataType(), f->Pattern(), was_valid,
+          [&] { return f->Validate(log); }, [&] { f->FormatDataValue(); },
+          f->Status, f->StatusMessage);
+    }
+    c.Result = f->value;
+    c.Status = f->Status;
+    c.Message = f->StatusMessage;
+    report.Values.push_back(std::move(c));
+  }
+  doc.ClearLineHeaders();
+  doc.UpdateLineHeaders(doc.Profile, doc.Template);
+  int32_t line = 0;
+  for (const auto& row : doc.LineData) {
+    ++line;
+    if (!row) continue;
+    bool row_valid = true;
+    for (const auto& cell : row->colLineItemData) {
+      if (!cell) continue;
+      for (const auto& h : doc.LineHeaders) {
+        if (h && EqualsIgnoreCase(h->Name, cell->Name)) {
+          cell->DataType = h->DataType;
+          cell->Flags = h->DataFlags;
+          break;
+        }
+      }
+      cCaptureValue c{"Line " + NumberText(line) + " " + cell->Name,
+                      cell->value, "", 0, ""};
+      const bool was_valid = cell->Status == 0;
+      if (!was_valid || options.Recheck) {
+        CheckValue(
+            cell->value, cell->DataType, CellPattern(doc, cell->Name),
+            was_valid, [&] { return cell->Validate(log); },
+            [&] { cell->FormatDataValue(log); }, cell->Status,
+            cell->StatusMessage);
+      }
+      row_valid = row_valid && cell->Status == 0;
+      c.Result = cell->value;
+      c.Status = cell->Status;
+      c.Message = cell->StatusMessage;
+      report.Values.push_back(std::move(c));
+    }
+    row->Status = row_valid ? 0 : kCaptureInvalidStatus;
+    row->StatusMessage = row_valid ? "" : kInvalidLineMessage;
+  }
+  std::string failed;
+  int32_t count = 0;
+  for (const cCaptureValue& c : report.Values) {
+    if (c.Status == 0) continue;
+    ++count;
+    failed += (failed.empty() ? "" : ", ") + c.Name;
+  }
+  doc.Status = count == 0 ? 0 : kCaptureInvalidStatus;
+  doc.StatusMessage = count == 0
+                          ? ""
+                          : NumberText(count) +
+                                (count == 1 ? " value is not valid: "
+                                            : " values are not valid: ") +
+                                failed;
+  report.Status = doc.Status;
+  report.Message = doc.StatusMessage;
+  report.InvalidCount = count;
+}
+
+std::string BaseName(const std::string& path) {
+  return path.substr(path.find_last_of("/\\") + 1);
+}
+
+std::string StemOf(const std::string& path) {
+  std::string base = BaseName(path);
+  const size_t dot = base.rfind('.');
+  if (dot != std::string::npos && dot > 0) base.resize(dot);
+  return base;
+}
+
+}  // namespace
+
+cCaptureReport CaptureDocument(cDocumentData& doc,
+                               const cCaptureOptions& options,
+                               const cSettingsSnapshot* settings) {
+  cCaptureReport report;
+  if (settings != nullptr) {
+    const ScopedSettingsSnapshot scope(settings);
+    CaptureValues(doc, options, report);
+  } else {
+    CaptureValues(doc, options, report);
+  }
+  return report;
+}
+
+// ---------------------------------------------------------------------------
+// cCaptureRun
+// ---------------------------------------------------------------------------
+
+// A profile and template read for one thread at a time: the readers fill
+// caches inside them, so threads never share a pair.
+struct cCaptureRun::Models {
+  std::shared_ptr<cProfile> profile;
+  std::shared_ptr<cTemplate> tpl;
+};
+
+std::shared_ptr<const cCaptureRun> cCaptureRun::Open(
+    const cCaptureRunOptions& options, std::string& strErrMsg) {
+  return Open(options, cSettingsSnapshot::Take(), strErrMsg);
+}
+
+std::shared_ptr<const cCaptureRun> cCaptureRun::Open(
+    const cCaptureRunOptions& options,
+    std::shared_ptr<const cSettingsSnapshot> settings, std::string& strErrMsg) {
+  strErrMsg.clear();
+  if (options.InPlace && !options.OutDir.empty()) {
+    strErrMsg = "--out-dir and --in-place cannot be used together";
+    return nullptr;
+  }
+  std::shared_ptr<cCaptureRun> run(new cCaptureRun());
+  run->options_ = options;
+  run->settings_ = settings ? std::move(settings) : cSettingsSnapshot::Take();
+  auto models = run->LoadModels(strErrMsg);
+  if (!models) return nullptr;
+  run->pool_.push_back(std::move(models));
+  return run;
+}
+
+std::unique_ptr<cCaptureRun::Models> cCaptureRun::LoadModels(
+    std::string& strErrMsg) const {
+  auto m = std::make_unique<Models>();
+  m->profile = std::make_shared<cProfile>();
+  if (!m->profile->ReadSettings(StemOf(options_.ProfileFile),
+                                options_.ProfileFile, strErrMsg)) {
+    return nullptr;
+  }
+  m->tpl = cTemplate::New();
+  m->tpl->Profile = m->profile;
+  if (!m->tpl->ReadSettings(options_.TemplateFile, strErrMsg)) return nullptr;
+  return m;
+}
+
+std::unique_ptr<cCaptureRun::Models> cCaptureRun::Acquire(
+    std::string& strErrMsg) const {
+  {
+    std::lock_guard<std::mutex> lock(pool_mutex_);
+    if (!pool_.empty()) {
+      auto m = std::move(pool_.back());
+      pool_.pop_back();
+      return m;
+    }
+  }
+  return LoadModels(strErrMsg);
+}
+
+void cCaptureRun::Release(std::unique_ptr<Models> models) const {
+  std::lock_guard<std::mutex> lock(pool_mutex_);
+  pool_.push_back(std::move(models));
+}
+
+cCaptureRun::~cCaptureRun() = default;
+
+std::string cCaptureRun::OutputPath(const std::string& file) const {
+  if (options_.InPlace) return file;
+  if (options_.OutDir.empty()) return "";
+  return JoinPath(options_.OutDir, BaseName(file));
+}
+
+bool cCaptureRun::CheckOutputs(const std::vector<std::string>& files,
+                               std::string& strErrMsg) const {
+  strErrMsg.clear();
+  if (options_.OutDir.empty()) return true;
+  std::map<std::string, const std::string*> seen;
+  for (const std::string& file : files) {
+    const std::string out = OutputPath(file);
+    auto [it, added] = seen.emplace(out, &file);
+    if (!added) {
+      strErrMsg =
+          *it->second + " and " + file + " would both be written to " + out;
+      return false;
+    }
+  }
+  return true;
+}
+
+cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
+  cCaptureFileResult r;
+  r.File = file;
+  std::string err;
+  auto doc = cDocumentData::New();
+  if (!doc->ReadSettings(file, err)) {
+    r.Error = err;
+    return r;
+  }
+  std::unique_ptr<Models> models = Acquire(err);
+  if (!models) {
+    r.Error = err;
+    return r;
+  }
+  doc->Profile = models->profile;
+  doc->Template = models->tpl;
+  r.Report = CaptureDocument(*doc, options_.Capture, settings_.get());
+  r.Captured = true;
+  doc->Profile.reset();
+  doc->Template.reset();
+  Release(std::move(models));
+  const std::string out = OutputPath(file);
+  if (!out.empty()) {
+    if (doc->WriteSettings(out, err)) {
+      r.Written = out;
+    } else {
+      r.Error = "cannot write " + out + ": " + err;
+    }
+  }
+  return r;
+}
+
+bool cCaptureRun::Run(
+    const std::vector<std::string>& files,
+    const std::function<bool(const cCaptureFileResult&)>& each) const {
+  if (!options_.OutDir.empty()) {
+    std::error_code ec;
+    std::filesystem::create_directories(options_.OutDir, ec);
+  }
+  size_t jobs = options_.Jobs > 0
+                    ? static_cast<size_t>(options_.Jobs)
+                    : std::max(1u, std::thread::hardware_concurrency());
+  jobs = std::min(jobs, files.size());
+  if (jobs <= 1) {
+    for (size_t i = 0; i < files.size(); ++i) {
+      cCaptureFileResult r = CaptureFile(files[i]);
+      r.Index = i;
+      if (!each(r)) return false;
+    }
+    return true;
+  }
+
+  // Workers take the next index; the calling thread hands results to
+  // `each` in input order. Workers stay at most `window` documents ahead
+  // of the oldest one not yet handed on, which bounds the memory held.
+  const size_t window = 4 * jobs;
+  std::mutex mu;
+  std::condition_variable cv;
+  std::map<size_t, cCaptureFileResult> done;
+  size_t next_take = 0;
+  size_t next_emit = 0;
+  bool stop = false;
+  auto work = [&] {
+    for (;;) {
+      size_t i;
+      {
+        std::unique_lock<std::mutex> lock(mu);
+        cv.wait(lock, [&] {
+          return stop || next_take >= files.size() ||
+                 next_take < next_emit + window;
+        });
+        if (stop || next_take >= files.size()) return;
+        i = next_take++;
+      }
+      cCaptureFileResult r = CaptureFile(files[i]);
+      r.Index = i;
+      std::lock_guard<std::mutex> lock(mu);
+      done.emplace(i, std::move(r));
+      cv.notify_all();
+    }
+  };
+  std::vector<std::thread> threads;
+  threads.reserve(jobs);
+  for (size_t t = 0; t < jobs; ++t) threads.emplace_back(work);
+  bool ok = true;
+  while (next_emit < files.size()) {
+    cCaptureFileResult r;
+    {
+      std::unique_lock<std::mutex> lock(mu);
+      cv.wait(lock, [&] { return done.count(next_emit) != 0; });
+      auto it = done.find(next_emit);
+      r = std::move(it->second);
+      done.erase(it);
+      ++next_emit;
+      cv.notify_all();
+    }
+    if (!each(r)) {
+      ok = false;
+      break;
+    }
+  }
+  {
+    std::lock_guard<std::mutex> lock(mu);
+    stop = true;
+    cv.notify_all();
+  }
+  for (std::thread& t : threads) t.join();
+  return ok;
+}
+
+// ---------------------------------------------------------------------------
+// Inputs
+// ---------------------------------------------------------------------------
+
+bool CollectTagFiles(const std::vector<std::string>& inputs,
+                     std::vector<std::string>& files, std::string& strErrMsg) {
+  namespace fs = std::filesystem;
+  strErrMsg.clear();
+  bool ok = true;
+  for (const std::string& input : inputs) {
+    std::error_code ec;
+    const fs::file_status st = fs::status(input, ec);
+    if (fs::is_directory(st)) {
+      std::vector<std::string> found;
+      for (fs::recursive_directory_iterator
+               it(input, fs::directory_options::skip_permission_denied, ec),
+           end;
+           !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        if (name.size() > 4 &&
+            EqualsIgnoreCase(name.substr(name.size() - 4), ".tag") &&
+            it->is_regular_file(ec)) {
+          found.push_back(it->path().string());
+        }
+      }
+      std::sort(found.begin(), found.end());
+      files.insert(files.end(), found.begin(), found.end());
+    } else if (fs::exists(st)) {
+      files.push_back(input);
+    } else {
+      if (strErrMsg.empty()) strErrMsg = input + ": no such file or directory";
+      ok = false;
+    }
+  }
+  return ok;
+}
+
+bool ReadFileList(const std::string& path, std::vector<std::string>& files,
+                  std::string& strErrMsg) {
+  strErrMsg.clear();
+  std::ifstream in;
+  std::istream* stream = &std::cin;
+  if (path != "-") {
+    in.open(path, std::ios::binary);
+    if (!in) {
+      strErrMsg = path + ": cannot read the list of files";
+      return false;
+    }
+    stream = &in;
+  }
+  std::string line;
+  while (std::getline(*stream, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (!line.empty()) files.push_back(line);
+  }
+  return true;
+}
+
+}  // namespace pelinor

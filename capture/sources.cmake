@@ -1,0 +1,3 @@
+set(PELINOR_CAPTURE_SOURCES
+  capture/capture_run.cpp
+)

@@ -1,0 +1,156 @@
+#include "pelinor/settings_snapshot.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "pelinor/char_mapper.h"
+#include "pelinor/evaluate_pattern.h"
+#include "pelinor/file_system.h"
+#include "pelinor/format.h"
+#include "pelinor/registry.h"
+#include "test_util.h"
+
+namespace pelinor::testing {
+namespace {
+
+std::string Registry(const std::string& locale, const std::string& dir) {
+  return "Windows Registry Editor Version 5.00\r\n\r\n"
+         "[HKEY_LOCAL_MACHINE\\Software\\Halvern\\Pelinor Server\\Default]\r\n"
+         "\"HalvernLocale\"=\"" +
+         locale + "\"\r\n\"ProfileDir\"=\"" + dir + "\"\r\n";
+}
+
+TEST(SettingsSnapshot, ResolvesTheProfileDirectoryBesideTheRegistry) {
+  TempDir dir;
+  ScopedEnv env("PELINOR_REGISTRY", dir.File("etc/registry.reg"));
+  std::filesystem::create_directories(dir.File("etc"));
+  struct Case {
+    std::string stored;
+    std::string resolved;
+  } cases[] = {
+      {"profiles", dir.File("etc/profiles")},
+      {"../shared/profiles/", dir.File("etc/../shared/profiles/")},
+      {"/opt/site/profiles", "/opt/site/profiles"},
+      {"", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.stored);
+    WriteFile(dir.File("etc/registry.reg"), Registry("US", c.stored));
+    EXPECT_EQ(ServerProfileDir(), c.resolved);
+    const auto snapshot = cSettingsSnapshot::Take();
+    EXPECT_EQ(snapshot->ProfileDir(), c.resolved);
+    EXPECT_EQ(snapshot->Locale("GB"), "US");
+    const std::string map =
+        c.resolved.empty() ? "" : JoinPath(c.resolved, "CharMap.txt");
+    EXPECT_EQ(snapshot->CharMapPath(), map);
+    EXPECT_EQ(CharMapPath(), map);
+  }
+}
+
+// "X" read for "0" is not among the built-in mappings; only a loaded
+// mapping file lets "1X2" pass as three digits.
+TEST(SettingsSnapshot, EvaluatesWithTheMappingsItLoaded) {
+  TempDir dir;
+  ScopedEnv env("PELINOR_REGISTRY", dir.File("registry.reg"));
+  WriteFile(dir.File("registry.reg"), Registry("GB", "maps"));
+  std::filesystem::create_directories(dir.File("maps"));
+  WriteFile(dir.File("maps/CharMap.txt"), "ver1.0\r\nX:0\r\n");
+  const auto loaded = cSettingsSnapshot::Take();
+  ASSERT_NE(loaded->CharMapper(), nullptr);
+  EXPECT_EQ(loaded->CharMapError(), "");
+  // The file goes away: the snapshot keeps what it read, per-call
+  // evaluation sees the change.
+  std::filesystem::remove(dir.File("maps/CharMap.txt"));
+  std::filesystem::create_directories(dir.File("bad"));
+  WriteFile(dir.File("bad/CharMap.txt"), "");
+  const auto bad = cSettingsSnapshot::Make(std::nullopt, dir.File("bad"));
+  const auto none = cSettingsSnapshot::Make(std::nullopt, "");
+  struct Case {
+    const char* how;
+    const cSettingsSnapshot* snapshot;
+    bool ok;
+    const char* out;
+    std::string err;
+  } cases[] = {
+      {"loaded", loaded.get(), true, "102", ""},
+      {"per call", nullptr, false, "", kPatternValidationError},
+      {"no directory", none.get(), false, "", kPatternValidationError},
+      {"unreadable file", bad.get(), false, "",
+       std::string(kCharMapReadError) + "Input past end of file"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.how);
+    std::string text = "1X2", out, err;
+    const bool ok = c.snapshot != nullptr
+                        ? EvaluatePattern(text, "000", true, false, true, false,
+                                          out, err, "", *c.snapshot)
+                        : EvaluatePattern(text, "000", true, false, true, false,
+                                          out, err, "");
+    EXPECT_EQ(ok, c.ok);
+    EXPECT_EQ(out, c.out);
+    EXPECT_EQ(err, c.err);
+    // The thread-wide scope gives the same answers to the per-call form.
+    if (c.snapshot != nullptr) {
+      const ScopedSettingsSnapshot scope(c.snapshot);
+      text = "1X2";
+      out.clear();
+      EXPECT_EQ(ValidatePatternValue(text, "000", true, out, err), c.ok);
+      EXPECT_EQ(out, c.out);
+    }
+  }
+}
+
+TEST(SettingsSnapshot, ScopeAnswersServerSettingsOnItsThreadOnly) {
+  TempDir dir;
+  ScopedEnv env("PELINOR_REGISTRY", dir.File("registry.reg"));
+  WriteFile(dir.File("registry.reg"), Registry("US", "/p"));
+  const auto jp = cSettingsSnapshot::Make(std::string("JP"), "/snap");
+  const auto unset = cSettingsSnapshot::Make(std::nullopt, "");
+  const cFormat format;
+  struct Case {
+    const cSettingsSnapshot* snapshot;
+    const char* locale;
+    const char* profile_dir;
+    const char* date;  // "12 Oct 2003" formatted
+  } cases[] = {
+      {nullptr, "US", "/p", "10/12/2003"},
+      {jp.get(), "JP", "/snap", "2003/10/12"},
+      {unset.get(), "dflt", "dflt", "12/10/2003"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.locale);
+    std::string out;
+    if (c.snapshot != nullptr) {
+      EXPECT_TRUE(format.FormatDate("12 Oct 2003", out, 100, *c.snapshot));
+      EXPECT_EQ(out, c.date);
+    }
+    const ScopedSettingsSnapshot scope(c.snapshot);
+    EXPECT_EQ(ReadServerSetting(kLocaleValue, "dflt"), c.locale);
+    EXPECT_EQ(ReadServerSetting(kProfileDirValue, "dflt"), c.profile_dir);
+    EXPECT_TRUE(format.FormatDate("12 Oct 2003", out, 100));
+    EXPECT_EQ(out, c.date);
+    // Another thread still reads the registry.
+    std::string other;
+    std::thread([&other] {
+      other = ReadServerSetting(kLocaleValue, "dflt");
+    }).join();
+    EXPECT_EQ(other, "US");
+  }
+  // Scopes restore what was there before.
+  {
+    const ScopedSettingsSnapshot outer(jp.get());
+    {
+      const ScopedSettingsSnapshot inner(unset.get());
+      EXPECT_EQ(cSettingsSnapshot::Current(), unset.get());
+    }
+    EXPECT_EQ(cSettingsSnapshot::Current(), jp.get());
+  }
+  EXPECT_EQ(cSettingsSnapshot::Current(), nullptr);
+  EXPECT_EQ(ReadServerSetting(kLocaleValue, "dflt"), "US");
+}
+
+}  // namespace
+}  // namespace pelinor::testing
