@@ -21,6 +21,9 @@ int main(int argc, char** argv) {
   pelinor::cli::AddTemplateCommands(app);
   pelinor::cli::AddCaptureCommand(app);
   pelinor::cli::AddExtractCommands(app);
+  pelinor::cli::AddScanInCommand(app);
+  pelinor::cli::AddWorkCommand(app);
+  pelinor::cli::AddExportCommand(app);
   CLI11_PARSE(app, argc, argv);
   return pelinor::cli::ExitStatus();
 }

@@ -10,4 +10,7 @@ set(PELINOR_CLI_SOURCES
   cli/template_command.cpp
   cli/capture_command.cpp
   cli/extract_command.cpp
+  cli/scan_in_command.cpp
+  cli/work_command.cpp
+  cli/export_command.cpp
 )
