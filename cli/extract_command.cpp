@@ -16,6 +16,7 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "pelinor/capture_run.h"
 #include "pelinor/document_data.h"
 #include "pelinor/file_system.h"
 #include "pelinor/numeric.h"
@@ -93,6 +94,10 @@ bool MayWriteModel(const std::string& path) {
   return in && head == "level\t";
 }
 
+std::string Percent(double score) {
+  return NumberText(std::round(score * 100) / 100);
+}
+
 bool RunExtraction(const Options& opts, Extraction& x) {
   std::string err;
   x.profile = std::make_shared<cProfile>();
@@ -161,7 +166,7 @@ bool RunExtraction(const Options& opts, Extraction& x) {
     Fail(
         "page not identified: no template's identifier text was found "
         "(best " +
-            x.id.Best.File + ", score " + NumberText(x.id.Best.Score) + ")",
+            x.id.Best.File + ", score " + Percent(x.id.Best.Score) + ")",
         kUnidentified);
     return false;
   }
@@ -187,10 +192,6 @@ json MatchJson(const cTemplateMatch& m) {
           {"found", Box(m.Found)},
           {"shift", json::array({m.ShiftX, m.ShiftY})},
           {"distance", m.Distance}};
-}
-
-std::string Percent(double score) {
-  return NumberText(std::round(score * 100) / 100);
 }
 
 void PrintIdentification(const Extraction& x) {
@@ -252,6 +253,17 @@ bool WriteDocument(const Options& opts, const cDocumentData& doc,
   return true;
 }
 
+json ResultJson(const cFieldResult& r) {
+  return {{"name", Json(r.Name)},
+          {"pseudo", r.Pseudo},
+          {"value", Json(r.Value)},
+          {"box", Box(r.Box)},
+          {"confidence",
+           r.Confidence < 0 ? json(nullptr) : json(std::round(r.Confidence))},
+          {"page", r.Page},
+          {"how", r.How}};
+}
+
 void RunExtract(const Options& opts) {
   Extraction x;
   if (!RunExtraction(opts, x)) return;
@@ -287,6 +299,64 @@ void RunExtract(const Options& opts) {
                     BoxText(r.Box), r.How});
   }
   PrintTable(rows);
+  PrintLine("Written: " + written);
+}
+
+void RunProcess(const Options& opts) {
+  Extraction x;
+  if (!RunExtraction(opts, x)) return;
+  cCaptureOptions capture;
+  capture.LogFile = FromUtf8(opts.log);
+  const cCaptureReport report = CaptureDocument(*x.doc, capture, nullptr);
+  std::string written;
+  if (!WriteDocument(opts, *x.doc, written)) return;
+  // Capture values come in field order, as the extraction results do.
+  auto value_of = [&](const std::string& name) -> const cCaptureValue* {
+    for (const cCaptureValue& v : report.Values) {
+      if (v.Name == name) return &v;
+    }
+    return nullptr;
+  };
+  if (opts.json) {
+    json fields = json::array();
+    for (const cFieldResult& r : x.results) {
+      json j = ResultJson(r);
+      j["raw"] = j["value"];
+      const cCaptureValue* v = r.Pseudo ? nullptr : value_of(r.Name);
+      if (v != nullptr) {
+        j["value"] = Json(v->Result);
+        j["status"] = v->Status;
+        j["message"] = Json(v->Message);
+      }
+      fields.push_back(j);
+    }
+    PrintJson({{"pages", x.page_count},
+               {"identified", x.id.Identified},
+               {"template", MatchJson(x.id.Best)},
+               {"runner_up", MatchJson(x.id.RunnerUp)},
+               {"written", Json(written)},
+               {"status", report.Status},
+               {"message", Json(report.Message)},
+               {"fields", fields}});
+    return;
+  }
+  PrintIdentification(x);
+  std::vector<std::vector<std::string>> rows = {
+      {"Field", "Read", "Cleaned", "Conf", "Found by", "Status"}};
+  for (const cFieldResult& r : x.results) {
+    const cCaptureValue* v = r.Pseudo ? nullptr : value_of(r.Name);
+    rows.push_back({(r.Pseudo ? "(pseudo) " : "") + r.Name, r.Value,
+                    v != nullptr ? v->Result : r.Value,
+                    Confidence(r.Confidence), r.How,
+                    v == nullptr     ? std::string("-")
+                    : v->Status == 0 ? std::string("ok")
+                                     : "FAIL: " + v->Message});
+  }
+  PrintTable(rows);
+  PrintLine(report.Status == 0
+                ? std::string("Document: valid")
+                : "Document: status " + NumberText(report.Status) + ", " +
+                      report.Message);
   PrintLine("Written: " + written);
 }
 
@@ -329,6 +399,17 @@ void AddExtractCommands(CLI::App& app) {
       "document tag file holding every field's value as read, with its box");
   AddCommonOptions(extract, *opts);
   extract->callback([opts] { RunExtract(*opts); });
+
+  auto popts = std::make_shared<Options>();
+  CLI::App* process = app.add_subcommand(
+      "process",
+      "extract a document from its pages as \"extract\" does, then run the "
+      "capture run over it (validate, clean, set statuses) and write the "
+      "cleaned document tag file");
+  AddCommonOptions(process, *popts);
+  process->add_option("--log", popts->log,
+                      "append the pattern evaluation log to this file");
+  process->callback([popts] { RunProcess(*popts); });
 }
 
 }  // namespace pelinor::cli

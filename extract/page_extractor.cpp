@@ -34,30 +34,41 @@ std::string MatchKey(std::string_view s) {
   return out;
 }
 
-size_t EditDistance(std::string_view a, std::string_view b) {
+// The edit distance of `a` and `b`, or any value above `max` once it is
+// sure to exceed `max` (a row whose smallest entry passes `max` ends it).
+size_t EditDistance(std::string_view a, std::string_view b,
+                    size_t max = std::numeric_limits<size_t>::max()) {
   if (a.size() < b.size()) std::swap(a, b);
-  std::vector<size_t> row(b.size() + 1);
+  if (a.size() - b.size() > max) return max + 1;
+  thread_local std::vector<size_t> row;
+  row.resize(b.size() + 1);
   for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
   for (size_t i = 1; i <= a.size(); ++i) {
     size_t diag = row[0];
     row[0] = i;
+    size_t low = row[0];
     for (size_t j = 1; j <= b.size(); ++j) {
       const size_t up = row[j];
       row[j] = std::min(
           {row[j] + 1, row[j - 1] + 1, diag + (a[i - 1] == b[j - 1] ? 0 : 1)});
       diag = up;
+      low = std::min(low, row[j]);
     }
+    if (low > max) return max + 1;
   }
   return row[b.size()];
 }
 
-double KeySimilarity(std::string_view a, std::string_view b) {
+// 1 - distance / longer length; 0 when either is empty. Scores below
+// `floor` may come out as any value below `floor`.
+double KeySimilarity(std::string_view a, std::string_view b, double floor = 0) {
   if (a.empty() || b.empty()) return 0;
   const size_t longer = std::max(a.size(), b.size());
-  // The distance is at least the length difference: skip hopeless pairs.
-  const size_t diff = longer - std::min(a.size(), b.size());
-  if (diff * 2 > longer) return 1.0 - static_cast<double>(diff) / longer;
-  return 1.0 - static_cast<double>(EditDistance(a, b)) / longer;
+  const double allowed = (1.0 - floor) * static_cast<double>(longer) + 1e-9;
+  const size_t max = allowed <= 0 ? 0 : static_cast<size_t>(allowed);
+  const size_t d = EditDistance(a, b, max);
+  if (d > max) return std::max(0.0, floor - 1.0 / longer);
+  return 1.0 - static_cast<double>(d) / longer;
 }
 
 // One page seen in template pixels, with the match key of every word.
@@ -123,14 +134,16 @@ TextHit FindText(const PageView& v, const std::string& target, bool use_ref,
         run += v.keys[w];
         box.Unite(v.boxes[w]);
         if (run.size() > limit) break;
-        const double score = KeySimilarity(run, target);
+        // Only a run at least as good as the best so far matters.
+        const double score = KeySimilarity(run, target, best.score);
+        if (score < best.score - 1e-9) continue;
         const double dist =
             use_ref ? std::hypot(static_cast<double>(box.Left - ref_x),
                                  static_cast<double>(box.Top - ref_y))
                     : 0;
-        const bool better = score > best.score + 1e-9 ||
-                            (use_ref && std::abs(score - best.score) <= 1e-9 &&
-                             best.first >= 0 && dist < best.distance);
+        const bool better =
+            score > best.score + 1e-9 ||
+            (use_ref && best.first >= 0 && dist < best.distance);
         if (better) {
           best = {score, dist, box, words[s], w, l};
         }
@@ -223,6 +236,23 @@ std::vector<int32_t> RunFrom(const PageView& v, int32_t first) {
   return run;
 }
 
+// Digits in groups with an optional sign, ending in a decimal point or comma
+// and two digits: "1,234.50", "-717,97", "1 234,50", "12.00".
+bool LooksLikeAmount(std::string_view t) {
+  size_t i = 0;
+  if (i < t.size() && (t[i] == '-' || t[i] == '+')) ++i;
+  const size_t start = i;
+  while (i < t.size() && ((t[i] >= '0' && t[i] <= '9') || t[i] == ',' ||
+                          t[i] == '.' || t[i] == ' ' || t[i] == '\'')) {
+    ++i;
+  }
+  if (i != t.size() || t.size() - start < 4) return false;
+  const size_t n = t.size();
+  return (t[n - 3] == '.' || t[n - 3] == ',') && t[n - 2] >= '0' &&
+         t[n - 2] <= '9' && t[n - 1] >= '0' && t[n - 1] <= '9' &&
+         t[start] >= '0' && t[start] <= '9';
+}
+
 // The caption rules: the words right of the caption on its line, else the
 // nearest words below it.
 bool ByCaption(const PageView& v, size_t p, const std::string& caption,
@@ -305,27 +335,48 @@ bool BySearch(const PageView& v, size_t p, cFieldData& scratch,
     return true;
   }
   if (!IsAmountType(type) && !IsDateType(type) && type != 5) return false;
-  // Runs of up to four words, first start in reading order, longest run.
+  // Runs of up to four words of one line that begin and end with a word
+  // holding a digit and are valid for the type as they stand or once
+  // cleaned (as the capture run cleans them); amounts must also look like
+  // one (LooksLikeAmount), since cleaning makes an amount of any digits. The
+  // longest text wins, the first in reading order on ties.
+  auto has_digit = [&](int32_t w) {
+    const std::string& t = v.page->Words[w].Text;
+    return std::any_of(t.begin(), t.end(),
+                       [](char c) { return c >= '0' && c <= '9'; });
+  };
+  const bool amount = IsAmountType(type);
   std::string log;
+  std::vector<int32_t> best;
+  size_t best_size = 0;
   for (const cPageLine& line : lines) {
     for (size_t s = 0; s < line.Words.size(); ++s) {
-      for (size_t n = std::min<size_t>(4, line.Words.size() - s); n >= 1; --n) {
-        std::string text;
-        for (size_t k = 0; k < n; ++k) {
-          if (k > 0) text.push_back(' ');
-          text += v.page->Words[line.Words[s + k]].Text;
+      if (!has_digit(line.Words[s])) continue;
+      std::string text;
+      for (size_t n = 1; n <= 4 && s + n <= line.Words.size(); ++n) {
+        if (n > 1) text.push_back(' ');
+        text += v.page->Words[line.Words[s + n - 1]].Text;
+        if (text.size() <= best_size || !has_digit(line.Words[s + n - 1])) {
+          continue;
         }
+        if (amount && !LooksLikeAmount(text)) continue;
         scratch.value = text;
-        if (scratch.Validate(log)) {
-          std::vector<int32_t> words(line.Words.begin() + s,
-                                     line.Words.begin() + s + n);
-          TakeWords(v, p, words, "search", r);
-          return true;
+        bool valid = scratch.Validate(log);
+        if (!valid) {
+          scratch.value = text;
+          scratch.FormatDataValue();
+          valid = scratch.Validate(log);
+        }
+        if (valid) {
+          best.assign(line.Words.begin() + s, line.Words.begin() + s + n);
+          best_size = text.size();
         }
       }
     }
   }
-  return false;
+  if (best.empty()) return false;
+  TakeWords(v, p, best, "search", r);
+  return true;
 }
 
 struct Shift {

@@ -3,6 +3,9 @@
 
 #include "pelinor/evaluate_pattern.h"
 
+#include <memory>
+#include <unordered_map>
+
 #include "pelinor/file_system.h"
 #include "pelinor/log.h"
 #include "pelinor/registry.h"
@@ -12,29 +15,56 @@ namespace pelinor {
 
 namespace {
 
-// Gives `engine` the mapping file's table: from `snapshot` when there is
-// one (no file access), else read now. False, with `strErrMsg` set, when
-// the file exists but cannot be read.
-bool LoadMappings(cPatternEngine& engine, const cSettingsSnapshot* snapshot,
-                  std::string& strErrMsg) {
-  if (snapshot != nullptr) {
-    if (!snapshot->CharMapError().empty()) {
-      strErrMsg = snapshot->CharMapError();
-      return false;
-    }
-    if (snapshot->CharMapper()) {
-      // Copies share the loaded table until one is changed.
-      engine.CharMapper =
-          std::make_shared<cCharMapper>(*snapshot->CharMapper());
-    }
-    return true;
-  }
+// Gives a new engine the mapping file's table, read now. False, with
+// `strErrMsg` set, when the file exists but cannot be read.
+bool LoadMappings(cPatternEngine& engine, std::string& strErrMsg) {
   const std::string map_path = CharMapPath();
   return map_path.empty() || !FileExists(map_path) ||
          engine.LoadCharacterMappings(map_path, strErrMsg);
 }
 
-bool Evaluate(cPatternEngine& engine, std::string& strText,
+// Engines that have loaded a specification, kept per thread for the
+// snapshot they were made with: an engine runs any number of texts after
+// one LoadSBSExpression(), so evaluations through a snapshot neither
+// parse the specification nor build an engine again.
+struct LoadedEngine {
+  std::unique_ptr<cPatternEngine> engine;
+  bool loaded = false;
+};
+struct EngineCache {
+  uint64_t snapshot_id = 0;
+  std::unordered_map<std::string, LoadedEngine> engines;
+};
+// Specifications kept per thread; a batch uses a few dozen.
+constexpr size_t kCachedEngines = 256;
+thread_local EngineCache engine_cache;
+
+LoadedEngine& CachedEngine(const cSettingsSnapshot& snapshot,
+                           const std::string& strPatternSpec) {
+  EngineCache& cache = engine_cache;
+  if (cache.snapshot_id != snapshot.Id()) {
+    cache.engines.clear();
+    cache.snapshot_id = snapshot.Id();
+  }
+  auto it = cache.engines.find(strPatternSpec);
+  if (it != cache.engines.end()) return it->second;
+  if (cache.engines.size() >= kCachedEngines) cache.engines.clear();
+  LoadedEngine e;
+  e.engine = std::make_unique<cPatternEngine>();
+  if (snapshot.CharMapper()) {
+    // Copies share the loaded table until one is changed.
+    e.engine->CharMapper =
+        std::make_shared<cCharMapper>(*snapshot.CharMapper());
+  }
+  std::string load_error;
+  e.engine->LoadSBSExpression(strPatternSpec, load_error, e.loaded);
+  return cache.engines.emplace(strPatternSpec, std::move(e)).first->second;
+}
+
+// The evaluation on `engine`, newly made, or with `engine` null on the
+// engine cached for `snapshot`. With a snapshot, its mappings are used and
+// no file is read.
+bool Evaluate(cPatternEngine* engine, std::string& strText,
               const std::string& strPatternSpec, bool bCoerce,
               bool bSuppressSpaces, bool bWhole, bool bKeepSurrounding,
               std::string& strOutput, std::string& strErrMsg,
@@ -50,17 +80,31 @@ bool Evaluate(cPatternEngine& engine, std::string& strText,
                                   (bCoerce ? " Coertion:on" : " Coertion:off"));
   }
 
-  if (!LoadMappings(engine, snapshot, strErrMsg)) {
+  bool loaded = false;
+  if (snapshot != nullptr && !snapshot->CharMapError().empty()) {
+    strErrMsg = snapshot->CharMapError();
     AppendLogLine(strLogFile, strErrMsg);
     return false;
   }
-
-  engine.PerformCoertion = bCoerce;
-  engine.SuppressSpaces = bSuppressSpaces;
-
-  bool loaded = false;
-  std::string load_error;
-  engine.LoadSBSExpression(strPatternSpec, load_error, loaded);
+  if (engine == nullptr) {
+    LoadedEngine& cached = CachedEngine(*snapshot, strPatternSpec);
+    engine = cached.engine.get();
+    loaded = cached.loaded;
+  } else {
+    if (snapshot != nullptr) {
+      if (snapshot->CharMapper()) {
+        engine->CharMapper =
+            std::make_shared<cCharMapper>(*snapshot->CharMapper());
+      }
+    } else if (!LoadMappings(*engine, strErrMsg)) {
+      AppendLogLine(strLogFile, strErrMsg);
+      return false;
+    }
+    std::string load_error;
+    engine->LoadSBSExpression(strPatternSpec, load_error, loaded);
+  }
+  engine->PerformCoertion = bCoerce;
+  engine->SuppressSpaces = bSuppressSpaces;
   if (!loaded) {
     // Matching still runs, with whatever expression the engine holds, and
     // decides the result.
@@ -70,11 +114,11 @@ bool Evaluate(cPatternEngine& engine, std::string& strText,
 
   if (logging) {
     AppendLogLine(strLogFile,
-                  "Applying regular expression '" + engine.RegExpFormat + "'");
+                  "Applying regular expression '" + engine->RegExpFormat + "'");
   }
 
   bool executed = false;
-  engine.Execute(strText, strErrMsg, executed);
+  engine->Execute(strText, strErrMsg, executed);
   if (!executed) {
     AppendLogLine(strLogFile, strErrMsg);
     return false;
@@ -83,9 +127,9 @@ bool Evaluate(cPatternEngine& engine, std::string& strText,
   std::string value;
   bool chosen = false;
   if (bWhole) {
-    engine.BestCandidateWhole(value, chosen);
+    engine->BestCandidateWhole(value, chosen);
   } else {
-    engine.BestCandidateSubPattern(value, bKeepSurrounding, chosen);
+    engine->BestCandidateSubPattern(value, bKeepSurrounding, chosen);
   }
   if (!chosen) {
     strErrMsg = kPatternValidationError;
@@ -114,7 +158,7 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
                          bool bKeepSurrounding, std::string& strOutput,
                          std::string& strErrMsg,
                          const std::string& strLogFile) {
-  return Evaluate(engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+  return Evaluate(&engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                   bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
                   cSettingsSnapshot::Current());
 }
@@ -123,10 +167,15 @@ bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bCoerce, bool bSuppressSpaces, bool bWhole,
                      bool bKeepSurrounding, std::string& strOutput,
                      std::string& strErrMsg, const std::string& strLogFile) {
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    return Evaluate(nullptr, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                    bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                    snapshot);
+  }
   cPatternEngine engine;
-  return EvaluatePatternWith(engine, strText, strPatternSpec, bCoerce,
-                             bSuppressSpaces, bWhole, bKeepSurrounding,
-                             strOutput, strErrMsg, strLogFile);
+  return Evaluate(&engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+                  bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
+                  nullptr);
 }
 
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
@@ -134,8 +183,7 @@ bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bKeepSurrounding, std::string& strOutput,
                      std::string& strErrMsg, const std::string& strLogFile,
                      const cSettingsSnapshot& settings) {
-  cPatternEngine engine;
-  return Evaluate(engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
+  return Evaluate(nullptr, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                   bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
                   &settings);
 }

@@ -4,6 +4,8 @@
 
 #include "pelinor/settings_snapshot.h"
 
+#include <atomic>
+
 #include "pelinor/char_mapper.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/file_system.h"
@@ -13,6 +15,7 @@ namespace pelinor {
 namespace {
 
 thread_local const cSettingsSnapshot* current_snapshot = nullptr;
+std::atomic<uint64_t> last_snapshot_id{0};
 
 }  // namespace
 
@@ -29,6 +32,7 @@ std::shared_ptr<const cSettingsSnapshot> cSettingsSnapshot::Make(
     std::optional<std::string> locale, const std::string& profile_dir) {
   // The constructor is private, so make_shared cannot be used.
   std::shared_ptr<cSettingsSnapshot> s(new cSettingsSnapshot());
+  s->id_ = ++last_snapshot_id;
   s->locale_ = std::move(locale);
   s->profile_dir_ = profile_dir;
   if (!profile_dir.empty()) {

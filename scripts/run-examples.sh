@@ -26,6 +26,10 @@ run capture --profile examples/profiles/Invoices.ini \
 echo "(cleaned tag files written to $out)"
 echo
 
+# The main job from a scanned page: OCR, template, fields, capture run.
+run process --profile examples/profiles/Coolblue.ini \
+  examples/samples/coolblue1-scan.png --out "$out/coolblue1.tag"
+
 run registry get HKLM "Pelinor Server" Default HalvernLocale
 run registry get HKLM "Pelinor Server" Default ProfileDir
 run settings get examples/profiles/Invoices.ini Main TemplatesConfig

@@ -19,6 +19,7 @@
 #ifndef PELINOR_SETTINGS_SNAPSHOT_H_
 #define PELINOR_SETTINGS_SNAPSHOT_H_
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -79,6 +80,12 @@ class cSettingsSnapshot {
   // "" otherwise.
   const std::string& CharMapError() const { return char_map_error_; }
 
+  // Id()
+  //
+  // A number no other snapshot of this process has, so that caches built
+  // for one snapshot are never used with another.
+  uint64_t Id() const { return id_; }
+
   // Current()
   //
   // The snapshot a ScopedSettingsSnapshot installed on this thread, or
@@ -89,6 +96,7 @@ class cSettingsSnapshot {
   cSettingsSnapshot() = default;
   void LoadCharMap();
 
+  uint64_t id_ = 0;
   std::optional<std::string> locale_;
   std::string profile_dir_;
   std::string char_map_path_;

@@ -103,6 +103,47 @@ TEST(SettingsSnapshot, EvaluatesWithTheMappingsItLoaded) {
   }
 }
 
+// Evaluations through a snapshot reuse one loaded engine per
+// specification and thread; every answer must be the one a new engine
+// gives, whatever ran on the cached engine before.
+TEST(SettingsSnapshot, CachedEnginesAnswerAsNewOnes) {
+  TempDir dir;
+  ScopedEnv env("PELINOR_REGISTRY", dir.File("none.reg"));
+  const auto snapshot = cSettingsSnapshot::Make(std::nullopt, "");
+  struct Case {
+    const char* spec;
+    const char* text;
+  } cases[] = {
+      {"LL000000", "AB123456"}, {"LL000000", "AB 12345 6"},
+      {"LL000000", "A8l23456"}, {"LL000000", "xx"},
+      {"0000|LL0000", "1234"},  {"0000|LL0000", "AB12"},
+      {"(((", "AB123456"},      {"\"INV-\"{0000??}", "INV-0O12"},
+      {"00-00-00", "l2-34-S6"}, {"LL000000", "ZZ9999999"},
+  };
+  // Every flag combination, twice over, so that each cached engine runs
+  // after others with other flags and texts.
+  for (int round = 0; round < 2; ++round) {
+    for (int flags = 0; flags < 16; ++flags) {
+      const bool coerce = flags & 1, spaces = flags & 2, whole = flags & 4,
+                 keep = flags & 8;
+      for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.spec) + " " + c.text + " flags " +
+                     std::to_string(flags));
+        std::string text_a = c.text, out_a = "unset", err_a;
+        const bool ok_a = EvaluatePattern(text_a, c.spec, coerce, spaces, whole,
+                                          keep, out_a, err_a, "");
+        std::string text_b = c.text, out_b = "unset", err_b;
+        const bool ok_b = EvaluatePattern(text_b, c.spec, coerce, spaces, whole,
+                                          keep, out_b, err_b, "", *snapshot);
+        EXPECT_EQ(ok_b, ok_a);
+        EXPECT_EQ(out_b, out_a);
+        EXPECT_EQ(err_b, err_a);
+        EXPECT_EQ(text_b, text_a);
+      }
+    }
+  }
+}
+
 TEST(SettingsSnapshot, ScopeAnswersServerSettingsOnItsThreadOnly) {
   TempDir dir;
   ScopedEnv env("PELINOR_REGISTRY", dir.File("registry.reg"));

@@ -1,11 +1,24 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "capture/capture_corpus.h"
 #include "cli_test_util.h"
 #include "test_util.h"
+
+extern char** environ;
 
 namespace pelinor::testing {
 namespace {
@@ -96,6 +109,271 @@ TEST(CaptureCli, PrintsJsonAndReportsBadInput) {
     r = RunPelinor(c.args, Env(dir));
     EXPECT_NE(r.status, 0);
     EXPECT_NE(r.err.find(c.err), std::string::npos) << r.err;
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Batches
+// ---------------------------------------------------------------------------
+
+std::vector<std::string> SampleEnv() {
+  // ProfileDir is "profiles", beside the registry file.
+  return {"PELINOR_REGISTRY=" + Example("registry.reg")};
+}
+
+// Writes `count` generated documents into `dir`, in sub-folders of 100.
+void WriteCorpus(const std::string& dir, uint32_t seed, uint32_t count) {
+  for (uint32_t i = 0; i < count; ++i) {
+    std::ostringstream name;
+    name << dir << "/part" << i / 100 << "/doc" << i << ".tag";
+    std::filesystem::create_directories(
+        std::filesystem::path(name.str()).parent_path());
+    WriteFile(name.str(), CorpusDocument(seed, i));
+  }
+}
+
+// The relative path and bytes of every "*.tag" file under `dir`, in order.
+std::string TreeBytes(const std::string& dir) {
+  std::vector<std::string> names;
+  for (const auto& e : std::filesystem::recursive_directory_iterator(dir)) {
+    if (e.path().extension() == ".tag") names.push_back(e.path().string());
+  }
+  std::sort(names.begin(), names.end());
+  std::string all;
+  for (const std::string& n : names) {
+    all += n.substr(dir.size()) + "\n" + ReadFile(n) + "\n";
+  }
+  return all;
+}
+
+// Starts pelinor with `args`, standard input from `in` and output to
+// files in `dir`; the caller waits for or kills the returned process.
+pid_t Spawn(const std::vector<std::string>& args, const std::string& in,
+            const TempDir& dir) {
+  std::vector<std::string> text{PELINOR_CLI_PATH};
+  text.insert(text.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (std::string& a : text) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+  const std::string out = dir.File("spawn.out"), err = dir.File("spawn.err");
+  posix_spawn_file_actions_addopen(&actions, 1, out.c_str(),
+                                   O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  posix_spawn_file_actions_addopen(&actions, 2, err.c_str(),
+                                   O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  pid_t pid = -1;
+  if (posix_spawn(&pid, PELINOR_CLI_PATH, &actions, nullptr, argv.data(),
+                  environ) != 0) {
+    pid = -1;
+  }
+  posix_spawn_file_actions_destroy(&actions);
+  return pid;
+}
+
+int Wait(pid_t pid) {
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0) {
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+TEST(CaptureCli, RecaptureChangesNoByte) {
+  TempDir dir;
+  std::filesystem::copy(Example("documents"), dir.File("docs"));
+  WriteCorpus(dir.File("docs"), 21, 300);
+  std::string first;
+  for (const char* pass : {"first", "second", "recheck"}) {
+    SCOPED_TRACE(pass);
+    std::vector<std::string> extra = {"--in-place", dir.File("docs")};
+    if (std::string(pass) == "recheck") extra.push_back("--recheck");
+    const CommandResult r = RunPelinor(Args(extra), SampleEnv());
+    EXPECT_EQ(r.status, 0) << r.err;
+    const std::string bytes = TreeBytes(dir.File("docs"));
+    if (first.empty()) {
+      first = bytes;
+      // Dates of the example invoices keep their order.
+      EXPECT_NE(ReadFile(dir.File("docs/INV0001.tag"))
+                    .find("Field2Value:12/10/2003\r\nField2Status:0\r\n"),
+                std::string::npos);
+    } else {
+      EXPECT_TRUE(bytes == first) << "the documents changed";
+    }
+  }
+}
+
+TEST(CaptureCli, JobsGiveTheSameFilesAndOutput) {
+  TempDir dir;
+  WriteCorpus(dir.File("in"), 22, 240);
+  std::vector<std::string> outputs;
+  for (const char* jobs : {"1", "2", "3"}) {
+    SCOPED_TRACE(jobs);
+    const std::string out = dir.File(std::string("out") + jobs);
+    const CommandResult r = RunPelinor(Args({"--jobs", jobs, "--json-lines",
+                                             "--out-dir", out, dir.File("in")}),
+                                       SampleEnv());
+    EXPECT_EQ(r.status, 0) << r.err;
+    // The same report but for the folder written to.
+    std::string same = r.out;
+    const std::string folder = "/out" + std::string(jobs) + "/";
+    for (size_t at = same.find(folder); at != std::string::npos;
+         at = same.find(folder, at)) {
+      same.replace(at, folder.size(), "/outN/");
+    }
+    outputs.push_back(same);
+    // One object per line, in input (name) order, lower-case keys.
+    std::istringstream lines(r.out);
+    std::string line, previous;
+    size_t count = 0;
+    while (std::getline(lines, line)) {
+      const nlohmann::json j = nlohmann::json::parse(line);
+      for (const char* key : {"file", "written", "status", "message"}) {
+        EXPECT_TRUE(j.contains(key)) << key;
+      }
+      EXPECT_EQ(j["values"][0].size(), 5u);
+      EXPECT_LT(previous, j["file"].get<std::string>());
+      previous = j["file"].get<std::string>();
+      ++count;
+    }
+    EXPECT_EQ(count, 240u);
+  }
+  EXPECT_TRUE(outputs[0] == outputs[1]);
+  EXPECT_TRUE(outputs[0] == outputs[2]);
+  const std::string one = TreeBytes(dir.File("out1"));
+  EXPECT_FALSE(one.empty());
+  EXPECT_TRUE(TreeBytes(dir.File("out2")) == one);
+  EXPECT_TRUE(TreeBytes(dir.File("out3")) == one);
+}
+
+// A batch killed half-way and run again ends where one uninterrupted run
+// ends, byte for byte.
+TEST(CaptureCli, KilledBatchRunAgainEndsAsOneRun) {
+  TempDir dir;
+  constexpr uint32_t kCount = 600;
+  WriteCorpus(dir.File("whole"), 23, kCount);
+  WriteCorpus(dir.File("killed"), 23, kCount);
+  ScopedEnv env("PELINOR_REGISTRY", Example("registry.reg"));
+  const CommandResult whole =
+      RunPelinor(Args({"--in-place", "--jobs", "2", dir.File("whole")}));
+  ASSERT_EQ(whole.status, 0) << whole.err;
+
+  const pid_t pid = Spawn(
+      Args({"--in-place", "--jobs", "2", "--json-lines", dir.File("killed")}),
+      "/dev/null", dir);
+  ASSERT_GT(pid, 0);
+  // Kill as soon as the first document is written, well before the last.
+  const std::string first = dir.File("killed/part0/doc0.tag");
+  for (int i = 0; i < 20000 &&
+                  ReadFile(first).find("DocStatus:1\r\n") != std::string::npos;
+       ++i) {
+    std::this_thread::sleep_for(std::chrono::microseconds(500));
+  }
+  ASSERT_EQ(kill(pid, SIGKILL), 0);
+  EXPECT_EQ(Wait(pid), 128 + SIGKILL);
+  const std::string killed = TreeBytes(dir.File("killed"));
+  ASSERT_NE(killed, TreeBytes(dir.File("whole"))) << "the batch had finished";
+  EXPECT_EQ(ReadFile(first).find("DocStatus:1\r\n"), std::string::npos)
+      << "nothing had been written";
+
+  const CommandResult again =
+      RunPelinor(Args({"--in-place", "--jobs", "2", dir.File("killed")}));
+  EXPECT_EQ(again.status, 0) << again.err;
+  EXPECT_TRUE(TreeBytes(dir.File("killed")) == TreeBytes(dir.File("whole")));
+}
+
+TEST(CaptureCli, TakesInputsFromFoldersAndLists) {
+  TempDir dir;
+  WriteCorpus(dir.File("in"), 24, 5);
+  WriteFile(dir.File("list"), dir.File("in/part0/doc3.tag") + "\n" +
+                                  dir.File("in/part0/doc1.tag") + "\n");
+  ScopedEnv env("PELINOR_REGISTRY", Example("registry.reg"));
+  struct Case {
+    std::vector<std::string> args;
+    std::string in;  // standard input
+    std::vector<std::string> files;
+  } cases[] = {
+      {{"--files-from", dir.File("list")},
+       "/dev/null",
+       {"in/part0/doc3.tag", "in/part0/doc1.tag"}},
+      {{"--files-from", "-", dir.File("in/part0/doc4.tag")},
+       dir.File("list"),
+       {"in/part0/doc4.tag", "in/part0/doc3.tag", "in/part0/doc1.tag"}},
+      {{dir.File("in")},
+       "/dev/null",
+       {"in/part0/doc0.tag", "in/part0/doc1.tag", "in/part0/doc2.tag",
+        "in/part0/doc3.tag", "in/part0/doc4.tag"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.files.size());
+    std::vector<std::string> args = c.args;
+    args.push_back("--json-lines");
+    const pid_t pid = Spawn(Args(args), c.in, dir);
+    ASSERT_GT(pid, 0);
+    EXPECT_EQ(Wait(pid), 0) << ReadFile(dir.File("spawn.err"));
+    std::istringstream lines(ReadFile(dir.File("spawn.out")));
+    std::vector<std::string> files;
+    for (std::string line; std::getline(lines, line);) {
+      files.push_back(
+          nlohmann::json::parse(line)["file"].get<std::string>().substr(
+              dir.path().size() + 1));
+    }
+    EXPECT_EQ(files, c.files);
+  }
+}
+
+TEST(CaptureCli, RefusesBatchesItCannotWriteSafely) {
+  TempDir dir;
+  std::filesystem::create_directories(dir.File("a"));
+  std::filesystem::create_directories(dir.File("b"));
+  WriteFile(dir.File("a/x.tag"), CorpusDocument(25, 0));
+  WriteFile(dir.File("b/x.tag"), CorpusDocument(25, 1));
+  WriteFile(dir.File("b/y.tag"), CorpusDocument(25, 2));
+  struct Case {
+    std::vector<std::string> args;
+    int status;
+    std::string err;
+  } cases[] = {
+      {Args({"--out-dir", dir.File("out"), dir.File("b"), dir.File("a")}), 1,
+       "pelinor: " + dir.File("b/x.tag") + " and " + dir.File("a/x.tag") +
+           " would both be written to " + dir.File("out/x.tag") + "\n"},
+      {Args({"--out-dir", dir.File("out"), dir.File("none")}), 1,
+       "pelinor: " + dir.File("none") + ": no such file or directory\n"},
+      {Args({"--out-dir", dir.File("out"), dir.File("empty")}), 1,
+       dir.File("empty") + ": no such file or directory\n"},
+  };
+  std::filesystem::create_directories(dir.File("empty"));
+  cases[2].err = "pelinor: no documents to capture\n";
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.err);
+    const CommandResult r = RunPelinor(c.args, SampleEnv());
+    EXPECT_EQ(r.status, c.status);
+    EXPECT_EQ(r.err, c.err);
+    EXPECT_EQ(r.out, "");
+    // Nothing was written, not even the output folder.
+    EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
+  }
+}
+
+TEST(CaptureCli, FailOnInvalidSetsTheExitStatus) {
+  struct Case {
+    const char* doc;
+    bool fail_on_invalid;
+    int status;
+  } cases[] = {
+      {"documents/INV0002.tag", true, 0},   // every value valid
+      {"documents/INV0003.tag", false, 0},  // invalid values are reported
+      {"documents/INV0003.tag", true, 1},
+  };
+  TempDir dir;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.doc) + (c.fail_on_invalid ? " fail" : ""));
+    std::vector<std::string> extra = {"--json-lines", Example(c.doc)};
+    if (c.fail_on_invalid) extra.push_back("--fail-on-invalid");
+    const CommandResult r = RunPelinor(Args(extra), SampleEnv());
+    EXPECT_EQ(r.status, c.status) << r.err;
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 1);
   }
 }
 

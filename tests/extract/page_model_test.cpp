@@ -48,8 +48,11 @@ TEST(PageModelTest, ReadsTesseractTsv) {
        "5\t1\t1\t1\t1\t2\t50\t20\t30\t40\t95\t \r\n",
        true, "A@10,20,30,40"},
       // UTF-8 text is stored as Windows-1252.
-      {"5\t1\t1\t1\t1\t1\t10\t20\t30\t40\t95\t\xE2\x82\xAC" "12\n", true,
-       "\x80" "12@10,20,30,40"},
+      {"5\t1\t1\t1\t1\t1\t10\t20\t30\t40\t95\t\xE2\x82\xAC"
+       "12\n",
+       true,
+       "\x80"
+       "12@10,20,30,40"},
       {std::string(kHeader) + "5\t1\t1\t1\t1\t1\t10\t20\t30\n", false,
        "Not a TSV page file: line 2"},
       {"5\t1\t1\t1\t1\t1\tten\t20\t30\t40\t95\tA\n", false,
@@ -112,8 +115,10 @@ TEST(PageModelTest, ReadsHocr) {
            "<strong>A&amp;B</strong></span>"
            "<span class='ocrx_word' title='bbox 210 200 300 240'>&#8364;5"
            "</span></span></div>",
-       true, "Invoice@100,100,150,40 No@260,100,40,40 | A&B@100,200,100,40 "
-             "\x80" "5@210,200,90,40",
+       true,
+       "Invoice@100,100,150,40 No@260,100,40,40 | A&B@100,200,100,40 "
+       "\x80"
+       "5@210,200,90,40",
        300},
       // No scan_res: the caller's resolution.
       {"<div class=\"ocr_page\" title=\"bbox 0 0 100 100\">"

@@ -1,0 +1,321 @@
+// The capture run: one document in memory, batches of files, and the two
+// per-value costs a batch's settings snapshot removes.
+//
+// BM_CaptureExampleInvoice captures the example invoice (9 fields, 9
+// cells) after parsing it from memory; BM_ReadExampleInvoice is the parse
+// alone. Arg 0 reads the registry and "CharMap.txt" per value, as the
+// library's per-call functions do; arg 1 uses one snapshot.
+//
+// BM_BatchFloor is the least a batch that rewrites its documents can do:
+// read each of 6,000 tag files, write it through a temporary file and
+// rename it into the output folder. BM_CaptureBatch/N captures the same
+// files with N jobs and writes them the same way. Both report wall time
+// and the CPU time of the whole process (all threads); on a shared machine
+// the CPU figures compare the work, the wall figures the parallelism.
+//
+// BM_NumericDateFloor parses a numeric date and builds its stored text by
+// hand; BM_SnapshotFormatDate/0 is cFormat::FormatDate() reading the locale
+// from the registry, /1 the same through a snapshot. BM_PlainPatternFloor is
+// one bare PCRE2 JIT match of a plain field pattern's expression;
+// BM_SnapshotEvaluatePattern/0 and /1 evaluate the pattern per call and
+// through a snapshot.
+
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <benchmark/benchmark.h>
+#include <pcre2.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "pelinor/capture_run.h"
+#include "pelinor/document_data.h"
+#include "pelinor/evaluate_pattern.h"
+#include "pelinor/format.h"
+#include "pelinor/pattern_engine.h"
+#include "pelinor/profile.h"
+#include "pelinor/template.h"
+#include "pelinor/text_file.h"
+
+namespace {
+
+using pelinor::cCaptureOptions;
+using pelinor::cCaptureRun;
+using pelinor::cCaptureRunOptions;
+using pelinor::cDocumentData;
+using pelinor::cSettingsSnapshot;
+
+std::string Example(const std::string& name) {
+  return std::string(PELINOR_SOURCE_DIR) + "/examples/" + name;
+}
+
+void UseExampleRegistry() {
+  setenv("PELINOR_REGISTRY", Example("registry.reg").c_str(), 1);
+  unsetenv("PELINORLOGFORMAT");
+}
+
+std::string ReadAll(const std::string& path) {
+  pelinor::TextReader reader;
+  std::string text, line;
+  if (!reader.Open(path)) return text;
+  while (reader.ReadLine(line)) text += line + "\r\n";
+  return text;
+}
+
+struct Models {
+  std::shared_ptr<pelinor::cProfile> profile =
+      std::make_shared<pelinor::cProfile>();
+  std::shared_ptr<pelinor::cTemplate> tpl = pelinor::cTemplate::New();
+  Models() {
+    std::string err;
+    profile->ReadSettings("Invoices", Example("profiles/Invoices.ini"), err);
+    tpl->Profile = profile;
+    tpl->ReadSettings(Example("templates/AcmeSupplies.tpl"), err);
+  }
+};
+
+void Capture(benchmark::State& state, bool parse_only) {
+  UseExampleRegistry();
+  const Models models;
+  const std::string text = ReadAll(Example("documents/INV0001.tag"));
+  const auto snapshot = cSettingsSnapshot::Take();
+  const bool use_snapshot = state.range(0) == 1;
+  const cCaptureOptions options;
+  std::string err;
+  int32_t status = 0;
+  for (auto _ : state) {
+    auto doc = cDocumentData::New();
+    pelinor::TextReader reader;
+    reader.OpenText(text);
+    doc->ReadSettings(reader, err);
+    doc->Profile = models.profile;
+    doc->Template = models.tpl;
+    if (!parse_only) {
+      status += pelinor::CaptureDocument(
+                    *doc, options, use_snapshot ? snapshot.get() : nullptr)
+                    .Status;
+    }
+    benchmark::DoNotOptimize(doc.get());
+  }
+  if (status != 0) state.SkipWithError("the example invoice did not validate");
+  state.SetItemsProcessed(state.iterations());
+  state.SetLabel(use_snapshot ? "snapshot" : "per call");
+}
+
+void BM_ReadExampleInvoice(benchmark::State& state) { Capture(state, true); }
+BENCHMARK(BM_ReadExampleInvoice)->Arg(0)->Unit(benchmark::kMicrosecond);
+
+void BM_CaptureExampleInvoice(benchmark::State& state) {
+  Capture(state, false);
+}
+BENCHMARK(BM_CaptureExampleInvoice)
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMicrosecond);
+
+// ---------------------------------------------------------------------------
+// Batches
+// ---------------------------------------------------------------------------
+
+constexpr int kBatchSize = 6000;
+
+// Writes `text` to `path` through a temporary file in its folder.
+void WriteThrough(const std::string& path, const std::string& text) {
+  pelinor::TextWriter writer;
+  writer.Create(path);
+  writer.Write(text);
+  writer.Commit();
+}
+
+// 6,000 copies of the example invoice in a scratch folder, made once, and
+// an output folder that already holds a file of each name: the floor and
+// the batches all replace files there, so each meets the same folder.
+struct Batch {
+  std::string dir;
+  std::string out;
+  std::vector<std::string> files;
+  Batch() {
+    dir = (std::filesystem::temp_directory_path() /
+           ("pelinor-capture-bench-" + std::to_string(getpid())))
+              .string();
+    out = dir + "/out";
+    std::filesystem::create_directories(dir + "/in");
+    std::filesystem::create_directories(out);
+    const std::string text = ReadAll(Example("documents/INV0001.tag"));
+    for (int i = 0; i < kBatchSize; ++i) {
+      files.push_back(dir + "/in/inv" + std::to_string(i) + ".tag");
+      WriteThrough(files.back(), text);
+      WriteThrough(out + "/inv" + std::to_string(i) + ".tag", text);
+    }
+  }
+  ~Batch() {
+    std::error_code ec;
+    std::filesystem::remove_all(dir, ec);
+  }
+};
+
+const Batch& TheBatch() {
+  static Batch batch;
+  return batch;
+}
+
+void BM_BatchFloor(benchmark::State& state) {
+  const Batch& batch = TheBatch();
+  for (auto _ : state) {
+    for (const std::string& file : batch.files) {
+      pelinor::TextReader reader;
+      reader.Open(file);
+      std::string line, text;
+      while (reader.ReadLine(line)) text += line + "\r\n";
+      WriteThrough(batch.out + file.substr(file.rfind('/')), text);
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * kBatchSize);
+}
+BENCHMARK(BM_BatchFloor)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Iterations(3);
+
+void BM_CaptureBatch(benchmark::State& state) {
+  UseExampleRegistry();
+  const Batch& batch = TheBatch();
+  cCaptureRunOptions options;
+  options.ProfileFile = Example("profiles/Invoices.ini");
+  options.TemplateFile = Example("templates/AcmeSupplies.tpl");
+  options.OutDir = batch.out;
+  options.Jobs = static_cast<int32_t>(state.range(0));
+  std::string err;
+  auto run = cCaptureRun::Open(options, err);
+  if (!run) {
+    state.SkipWithError(err.c_str());
+    return;
+  }
+  size_t failed = 0;
+  for (auto _ : state) {
+    run->Run(batch.files, [&failed](const pelinor::cCaptureFileResult& r) {
+      failed += r.Written.empty() || r.Report.Status != 0;
+      return true;
+    });
+  }
+  if (failed != 0) state.SkipWithError("a document was not captured");
+  state.SetItemsProcessed(state.iterations() * kBatchSize);
+  state.SetLabel(std::to_string(state.range(0)) + " jobs");
+}
+BENCHMARK(BM_CaptureBatch)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Iterations(3);
+
+// ---------------------------------------------------------------------------
+// Per-value costs
+// ---------------------------------------------------------------------------
+
+const char* const kNumericDates[] = {"12/10/2003", "1/2/03", "31.12.1999",
+                                     "5-6-2004"};
+
+void BM_NumericDateFloor(benchmark::State& state) {
+  size_t i = 0;
+  std::string out;
+  for (auto _ : state) {
+    const char* p = kNumericDates[i++ % 4];
+    int parts[3] = {0, 0, 0};
+    int digits[3] = {0, 0, 0};
+    int k = 0;
+    for (; *p != '\0' && k < 3; ++p) {
+      if (*p >= '0' && *p <= '9') {
+        parts[k] = parts[k] * 10 + (*p - '0');
+        ++digits[k];
+      } else {
+        ++k;
+      }
+    }
+    int year = parts[2];
+    if (digits[2] == 2) year += year >= 70 ? 1900 : 2000;
+    const bool ok = parts[0] >= 1 && parts[0] <= 31 && parts[1] >= 1 &&
+                    parts[1] <= 12 && year >= 1970 && year <= 2069;
+    out.assign({static_cast<char>('0' + parts[0] / 10),
+                static_cast<char>('0' + parts[0] % 10), '/',
+                static_cast<char>('0' + parts[1] / 10),
+                static_cast<char>('0' + parts[1] % 10), '/'});
+    out += std::to_string(year);
+    benchmark::DoNotOptimize(ok);
+    benchmark::DoNotOptimize(out.data());
+  }
+}
+BENCHMARK(BM_NumericDateFloor);
+
+void BM_SnapshotFormatDate(benchmark::State& state) {
+  UseExampleRegistry();
+  const auto snapshot = cSettingsSnapshot::Take();
+  const bool use_snapshot = state.range(0) == 1;
+  const pelinor::cFormat format;
+  size_t i = 0;
+  std::string out;
+  for (auto _ : state) {
+    const char* date = kNumericDates[i++ % 4];
+    const bool ok = use_snapshot ? format.FormatDate(date, out, 100, *snapshot)
+                                 : format.FormatDate(date, out, 100);
+    benchmark::DoNotOptimize(ok);
+  }
+  state.SetLabel(use_snapshot ? "snapshot" : "per call");
+}
+BENCHMARK(BM_SnapshotFormatDate)->Arg(0)->Arg(1);
+
+// "LL000000", the example invoice number's pattern, and a matching text.
+constexpr char kPlainSpec[] = "LL000000";
+constexpr char kPlainText[] = "AB123456";
+
+void BM_PlainPatternFloor(benchmark::State& state) {
+  pelinor::cPatternEngine engine;
+  std::string err;
+  bool ok = false;
+  engine.LoadSBSExpression(kPlainSpec, err, ok);
+  int error = 0;
+  PCRE2_SIZE offset = 0;
+  pcre2_code* code =
+      pcre2_compile(reinterpret_cast<PCRE2_SPTR>(engine.RegExpFormat.c_str()),
+                    PCRE2_ZERO_TERMINATED,
+                    PCRE2_NEVER_UTF | PCRE2_NEVER_UCP | PCRE2_DOLLAR_ENDONLY,
+                    &error, &offset, nullptr);
+  pcre2_jit_compile(code, PCRE2_JIT_COMPLETE);
+  pcre2_match_data* md = pcre2_match_data_create(1, nullptr);
+  const std::string text = kPlainText;
+  for (auto _ : state) {
+    const int rc =
+        pcre2_jit_match(code, reinterpret_cast<PCRE2_SPTR>(text.data()),
+                        text.size(), 0, 0, md, nullptr);
+    benchmark::DoNotOptimize(rc);
+  }
+  pcre2_match_data_free(md);
+  pcre2_code_free(code);
+  state.SetLabel(engine.RegExpFormat);
+}
+BENCHMARK(BM_PlainPatternFloor);
+
+void BM_SnapshotEvaluatePattern(benchmark::State& state) {
+  UseExampleRegistry();
+  const auto snapshot = cSettingsSnapshot::Take();
+  const bool use_snapshot = state.range(0) == 1;
+  std::string out, err;
+  for (auto _ : state) {
+    std::string text = kPlainText;
+    const bool ok =
+        use_snapshot
+            ? pelinor::EvaluatePattern(text, kPlainSpec, false, true, true,
+                                       false, out, err, "", *snapshot)
+            : pelinor::EvaluatePattern(text, kPlainSpec, false, true, true,
+                                       false, out, err, "");
+    benchmark::DoNotOptimize(ok);
+  }
+  state.SetLabel(use_snapshot ? "snapshot" : "per call");
+}
+BENCHMARK(BM_SnapshotEvaluatePattern)->Arg(0)->Arg(1);
+
+}  // namespace

@@ -1,0 +1,194 @@
+// The extract and process verbs on the bundled sample invoice: its PDF
+// (text layer) and the OCR of its scan, stored as a TSV page file.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "cli/cli_test_util.h"
+#include "test_util.h"
+
+namespace pelinor {
+namespace {
+
+using json = nlohmann::json;
+using testing::RunPelinor;
+
+std::string Source(const std::string& rel) {
+  return std::string(PELINOR_SOURCE_DIR) + "/" + rel;
+}
+
+std::vector<std::string> Env() {
+  return {"PELINOR_REGISTRY=" + Source("examples/registry.reg")};
+}
+
+const std::string& Profile() {
+  static const std::string p = Source("examples/profiles/Coolblue.ini");
+  return p;
+}
+
+std::map<std::string, json> ByName(const json& report) {
+  std::map<std::string, json> out;
+  for (const json& f : report["fields"]) out[f["name"]] = f;
+  return out;
+}
+
+// The published values of the sample (examples/samples/coolblue1.json) in
+// the form the capture run cleans them to: dates day/month/year, amounts
+// with a point and two decimals.
+const std::map<std::string, std::string>& Published() {
+  static const std::map<std::string, std::string> values = {
+      {"InvoiceNumber", "993548900"},    {"InvoiceDate", "19/04/2014"},
+      {"TotalAmount", "717.97"},         {"NetAmount", "593.36"},
+      {"VATNumber", "NL810433941B01"},   {"IBAN", "NL50INGB0683251309"},
+      {"ChamberOfCommerce", "24330087"}, {"BIC", "INGBNL2A"},
+  };
+  return values;
+}
+
+TEST(ExtractCliTest, ExtractsTheSamplePdf) {
+  testing::TempDir dir;
+  const std::string out = dir.File("coolblue1.tag");
+  const auto r = RunPelinor(
+      {"extract", "--profile", Profile(),
+       Source("examples/samples/coolblue1.pdf"), "--out", out, "--json"},
+      Env());
+  ASSERT_EQ(r.status, 0) << r.err;
+  const json report = json::parse(r.out);
+  EXPECT_TRUE(report["identified"]);
+  EXPECT_EQ(report["pages"], 1);
+  EXPECT_EQ(report["template"]["score"], 1.0);
+  EXPECT_EQ(report["template"]["shift"], json::array({0, 0}));
+  EXPECT_EQ(report["written"], out);
+  struct Want {
+    std::string name, value, how;
+    std::vector<int> box;
+  };
+  const std::vector<Want> wants = {
+      {"InvoiceNumber", "993548900", "zone", {465, 648, 171, 45}},
+      {"InvoiceDate", "19 april 2014", "caption right", {435, 766, 201, 45}},
+      {"TotalAmount",
+       "\xE2\x82\xAC 717,97",
+       "anchored zone",
+       {615, 2536, 132, 45}},
+      {"NetAmount",
+       "\xE2\x82\xAC 593,36",
+       "caption right",
+       {615, 2412, 132, 45}},
+      {"VATNumber", "NL810433941B01", "search", {1935, 604, 274, 45}},
+      {"IBAN", "NL50INGB0683251309", "anchored zone", {1941, 663, 354, 45}},
+      {"ChamberOfCommerce", "24330087", "anchored zone", {2098, 544, 152, 45}},
+      {"BIC", "INGBNL2A", "caption right", {1916, 723, 166, 45}},
+      {"OrderNumber", "12572103", "caption right", {437, 826, 152, 45}},
+  };
+  auto fields = ByName(report);
+  for (const Want& w : wants) {
+    SCOPED_TRACE(w.name);
+    EXPECT_EQ(fields[w.name]["value"], w.value);
+    EXPECT_EQ(fields[w.name]["how"], w.how);
+    EXPECT_EQ(fields[w.name]["box"], json(w.box));
+    EXPECT_EQ(fields[w.name]["confidence"], 100);
+  }
+  // The tag file holds the raw values, not yet validated.
+  const std::string tag = testing::ReadFile(out);
+  EXPECT_NE(tag.find("Field3Value:\x80 717,97\r\nField3Status:1\r\n"
+                     "Field3Message:Tag has not been validated\r\n"
+                     "Field3DataLocation:-1\r\nField3DataType:4\r\n"
+                     "Field3Coords:615:2536:132:45\r\n"),
+            std::string::npos)
+      << tag;
+}
+
+TEST(ExtractCliTest, ProcessCleansTheScannedSample) {
+  testing::TempDir dir;
+  const std::string out = dir.File("scan.tag");
+  const auto r = RunPelinor(
+      {"process", "--profile", Profile(),
+       testing::DataPath("extract/coolblue1-scan.tsv"), "--out", out, "--json"},
+      Env());
+  ASSERT_EQ(r.status, 0) << r.err;
+  const json report = json::parse(r.out);
+  EXPECT_EQ(report["status"], 0);
+  EXPECT_EQ(report["template"]["shift"], json::array({42, 30}));
+  auto fields = ByName(report);
+  for (const auto& [name, value] : Published()) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(fields[name]["value"], value);
+    EXPECT_EQ(fields[name]["status"], 0);
+  }
+  // The OCR misread "NLSO" and the cleaning repaired it.
+  EXPECT_EQ(fields["IBAN"]["raw"], "NLSOINGB0683251309");
+  EXPECT_NE(testing::ReadFile(out).find("Field6Value:NL50INGB0683251309\r\n"
+                                        "Field6Status:0\r\n"),
+            std::string::npos);
+}
+
+TEST(ExtractCliTest, FailuresLeaveNoTagFile) {
+  testing::TempDir dir;
+  const std::string other_tpls = dir.File("tpls");
+  std::filesystem::create_directories(other_tpls);
+  std::filesystem::copy_file(Source("examples/templates/AcmeSupplies.tpl"),
+                             other_tpls + "/AcmeSupplies.tpl");
+  const std::string notes = dir.File("notes.txt");
+  testing::WriteFile(notes, "my notes\n");
+  const std::string bad = dir.File("bad.pdf");
+  testing::WriteFile(bad, "%PDF-1.4 truncated");
+  const std::string pdf = Source("examples/samples/coolblue1.pdf");
+  struct Case {
+    std::string name;
+    std::vector<std::string> args;
+    std::string out;
+    int status;
+    std::string err;
+  };
+  const std::vector<Case> cases = {
+      {"unidentified",
+       {"--templates", other_tpls, pdf},
+       dir.File("u.tag"),
+       2,
+       "pelinor: page not identified: no template's identifier text was "
+       "found (best " +
+           other_tpls + "/AcmeSupplies.tpl, score 0.45)\n"},
+      {"unreadable pdf",
+       {bad},
+       dir.File("b.tag"),
+       1,
+       "pelinor: Cannot read PDF " + bad + "\n"},
+      {"not a tag file",
+       {pdf},
+       notes,
+       1,
+       "pelinor: " + notes +
+           " exists and is not a document tag file; not overwritten\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    for (const char* verb : {"extract", "process"}) {
+      std::vector<std::string> args = {verb, "--profile", Profile()};
+      args.insert(args.end(), c.args.begin(), c.args.end());
+      args.insert(args.end(), {"--out", c.out});
+      const auto r = RunPelinor(args, Env());
+      EXPECT_EQ(r.status, c.status);
+      EXPECT_EQ(r.err, c.err);
+      if (c.out == notes) {
+        EXPECT_EQ(testing::ReadFile(notes), "my notes\n");
+      } else {
+        EXPECT_FALSE(std::filesystem::exists(c.out));
+      }
+    }
+  }
+  // Nothing but the files the test made.
+  size_t n = 0;
+  for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
+    (void)e;
+    ++n;
+  }
+  EXPECT_EQ(n, 3u);
+}
+
+}  // namespace
+}  // namespace pelinor
