@@ -339,8 +339,21 @@ std::vector<cLineTableResult> cLineItemExtractor::Extract(
     res.LinesRead = static_cast<int32_t>(lines.size());
 
     // Rows: a line continues the row above (a wrapped line) when it lies
-    // within the row space below it, fills only columns the row's first
-    // line filled and leaves at least one of those empty.
+    // within the row space below it, fills only text columns the row's
+    // first line filled and leaves at least one of those empty.
+    // Columns of a header with a value type (amount, number, date,
+    // postcode): a wrapped line never holds one.
+    std::vector<bool> typed(ncols, false);
+    for (size_t c = 0; c < ncols; ++c) {
+      const auto& col = table.Columns.Item(static_cast<int>(c) + 1);
+      for (const auto& h : doc.LineHeaders) {
+        if (col && h && EqualsIgnoreCase(h->Name, col->Name)) {
+          typed[c] = IsAmountType(h->DataType) || IsDateType(h->DataType) ||
+                     h->DataType == 5;
+          break;
+        }
+      }
+    }
     std::vector<Row> rows;
     std::vector<bool> first_line_filled;
     for (const TextLine& l : lines) {
@@ -364,7 +377,9 @@ std::vector<cLineTableResult> cLineItemExtractor::Extract(
         continues = true;
         bool leaves_one = false;
         for (size_t c = 0; c < ncols; ++c) {
-          if (!cells[c].empty() && !first_line_filled[c]) continues = false;
+          if (!cells[c].empty() && (!first_line_filled[c] || typed[c])) {
+            continues = false;
+          }
           if (cells[c].empty() && first_line_filled[c]) leaves_one = true;
         }
         continues = continues && leaves_one;
