@@ -30,10 +30,9 @@ struct Options {
 };
 
 std::string PageList(const std::vector<int32_t>& pages) {
-  if (pages.empty()) return "-";
-  std::string s = NumberText(pages.front());
-  if (pages.size() > 1) s += "-" + NumberText(pages.back());
-  return s;
+  if (pages.empty()) return "no pages";
+  if (pages.size() == 1) return "page " + NumberText(pages.front());
+  return "pages " + NumberText(pages.front()) + "-" + NumberText(pages.back());
 }
 
 void Run(const Options& opts) {
@@ -76,7 +75,7 @@ void Run(const Options& opts) {
           Fail(r.Error);
           return;
         }
-        std::string line = r.DocId + ": pages " + PageList(r.Pages) + ", ";
+        std::string line = r.DocId + ": " + PageList(r.Pages) + ", ";
         line += r.Template.empty() ? std::string("no template")
                                    : "template " + r.Template;
         line += ", " + NumberText(r.Fields) + " fields, " + NumberText(r.Rows) +
