@@ -11,7 +11,6 @@ namespace {
 
 constexpr int32_t kCharWidth = 25;
 constexpr int32_t kLineHeight = 40;
-constexpr int32_t kRowPitch = 90;   // top to top of two rows
 constexpr int32_t kWrapPitch = 50;  // top to top of a wrapped line
 
 // Adds the words of `text` (split at blanks) from `left` on.
@@ -150,7 +149,7 @@ std::vector<cPage> GenPages(const GenInvoice& inv) {
       y += kWrapPitch;
       Put(p, r.description.substr(nl + 1), 150, y);
     }
-    y += kRowPitch;
+    y += inv.row_pitch;
     ++on_page;
   }
   cPage& last = pages.back();

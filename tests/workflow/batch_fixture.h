@@ -31,6 +31,7 @@ struct GenInvoice {
   std::string clean_total;
   std::vector<GenRow> rows;
   int32_t rows_per_page = 30;  // the table continues on the next page
+  int32_t row_pitch = 90;      // top to top of two rows (lines are 40 high)
   bool end_mark = false;       // print "End of invoice" under the total
   int32_t attachments = 0;     // pages of other text that follow
 };
