@@ -85,6 +85,16 @@ void RunCapture(const Options& opts) {
   if (sum.Errors > 0) SetExitStatus(1);
 }
 
+void RunRefresh(const Options& opts) {
+  std::string err;
+  auto queue = cWorkQueue::Open(FromUtf8(opts.profile), err);
+  if (!queue || !queue->Refresh(err)) {
+    Fail(err);
+    return;
+  }
+  PrintLine("Queue file brought up to date: " + queue->QueueFile());
+}
+
 }  // namespace
 
 void AddWorkCommand(CLI::App& app) {
@@ -105,6 +115,13 @@ void AddWorkCommand(CLI::App& app) {
   capture->add_flag("--quiet", opts->quiet,
                     "print the summary only (and errors)");
   capture->callback([opts] { RunCapture(*opts); });
+  CLI::App* refresh = work->add_subcommand(
+      "refresh",
+      "bring the queue file up to date from the documents' status files "
+      "(after a worker was stopped before it wrote the queue file)");
+  refresh->add_option("--profile", opts->profile, "the capture profile file")
+      ->required();
+  refresh->callback([opts] { RunRefresh(*opts); });
 }
 
 }  // namespace pelinor::cli

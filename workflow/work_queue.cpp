@@ -501,9 +501,14 @@ bool cWorkQueue::Capture(int32_t jobs,
                            !entry->Reject &&
                            entry->PELINOR_State == kStateToCapture;
       if (!waiting) {
-        if (claimed) DeleteFileQuietly(lock_path);
         std::lock_guard<std::mutex> g(mu);
         ++summary.Skipped;
+        if (claimed && e2.empty()) {
+          // Done since the queue file was read: its fresh entry corrects
+          // the queue file.
+          DeleteFileQuietly(lock_path);
+          pending.push_back(entry);
+        }
         continue;
       }
       std::string reject;

@@ -317,5 +317,33 @@ TEST(WorkQueue, ScanningTheSameBatchAgainQueuesNothingTwice) {
   EXPECT_EQ(ReadFile(q->TagFile("b-0001")), tag_bytes);
 }
 
+// A queue file left behind the status files (a worker stopped before its
+// update) is brought up to date from them.
+TEST(WorkQueue, RefreshFollowsTheStatusFiles) {
+  TempDir dir;
+  ScopedEnv reg("PELINOR_REGISTRY", dir.File("registry.reg"));
+  const std::string profile = WriteGenInstallation(dir.path());
+  const std::string batch = WriteBatch(dir, "b.tsv", GenInvoices(3, 4));
+  std::string err;
+  auto q = cWorkQueue::Open(profile, err);
+  ASSERT_TRUE(q) << err;
+  ASSERT_TRUE(q->ScanIn({batch}, {}, nullptr, err)) << err;
+  const std::string before = ReadFile(q->QueueFile());
+  cWorkSummary sum;
+  ASSERT_TRUE(q->Capture(2, nullptr, sum, err)) << err;
+  ASSERT_EQ(sum.Captured, 3);
+  const std::string after = ReadFile(q->QueueFile());
+  WriteFile(q->QueueFile(), before);
+  ASSERT_TRUE(q->Refresh(err)) << err;
+  EXPECT_EQ(ReadFile(q->QueueFile()), after);
+  // A worker started on the stale file takes nothing again.
+  WriteFile(q->QueueFile(), before);
+  ASSERT_TRUE(q->Capture(1, nullptr, sum, err)) << err;
+  EXPECT_EQ(sum.Candidates, 3);
+  EXPECT_EQ(sum.Skipped, 3);
+  EXPECT_EQ(sum.Captured, 0);
+  EXPECT_EQ(ReadFile(q->QueueFile()), after);
+}
+
 }  // namespace
 }  // namespace pelinor::testing
