@@ -350,9 +350,11 @@ void AddCaptureCommand(CLI::App& app) {
   capture->add_option("--template", opts->tpl, "the template file")->required();
   capture->add_option("--log", opts->log,
                       "append the pattern evaluation log to this file");
-  capture->add_option("--jobs,-j", opts->jobs,
-                      "documents captured at once (default: the number of "
-                      "cores); output keeps the input order");
+  capture
+      ->add_option("--jobs,-j", opts->jobs,
+                   "documents captured at once (default: the number of "
+                   "cores); output keeps the input order")
+      ->check(CLI::Range(0, 1024));
   capture->add_option("--files-from", opts->files_from,
                       "read further document paths from this file, one a "
                       "line (- for standard input)");

@@ -5,12 +5,15 @@
 //
 // Rules: docs/extraction.md. Format written: docs/formats/document.md.
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -44,6 +47,7 @@ struct Options {
   std::string log;
   int dpi = kTemplateDpi;
   int max_pages = 200;
+  int jobs = 1;
   bool json = false;
   std::vector<std::string> pages;
 };
@@ -129,17 +133,41 @@ bool RunExtraction(const Options& opts, Extraction& x) {
     Fail("--dpi must lie between 50 and 1200");
     return false;
   }
-  cPageReader reader;
-  reader.Language = FromUtf8(opts.lang);
-  reader.DefaultDpi = opts.dpi;
-  reader.RenderDpi = opts.dpi;
-  reader.MaxPages = opts.max_pages;
+  // Page files are read by `jobs` threads, each with its own reader (and
+  // OCR engine); the pages keep the order of the files.
+  const size_t files = opts.pages.size();
+  const size_t jobs =
+      std::clamp<size_t>(static_cast<size_t>(std::max(opts.jobs, 1)), 1,
+                         std::max<size_t>(files, 1));
+  std::vector<cPageModel> read(files);
+  std::vector<std::string> errors(files);
+  std::vector<char> done(files, 0);
+  std::atomic<size_t> next{0};
+  std::atomic<bool> failed{false};
+  auto work = [&] {
+    cPageReader reader;
+    reader.Language = FromUtf8(opts.lang);
+    reader.DefaultDpi = opts.dpi;
+    reader.RenderDpi = opts.dpi;
+    reader.MaxPages = opts.max_pages;
+    for (size_t i; !failed && (i = next++) < files;) {
+      done[i] = reader.ReadFile(FromUtf8(opts.pages[i]), read[i], errors[i]);
+      if (!done[i]) failed = true;
+    }
+  };
+  {
+    std::vector<std::thread> threads;
+    for (size_t t = 1; t < jobs; ++t) threads.emplace_back(work);
+    work();
+    for (std::thread& t : threads) t.join();
+  }
   cPageModel model;
-  for (const std::string& typed : opts.pages) {
-    if (!reader.ReadFile(FromUtf8(typed), model, err)) {
-      Fail(err);
+  for (size_t i = 0; i < files; ++i) {
+    if (!done[i]) {
+      Fail(errors[i]);
       return false;
     }
+    for (cPage& p : read[i].Pages) model.Pages.push_back(std::move(p));
     if (static_cast<int32_t>(model.Pages.size()) > opts.max_pages) {
       Fail("more than " + std::to_string(opts.max_pages) +
            " pages; at most --max-pages are read");
@@ -377,6 +405,8 @@ void AddCommonOptions(CLI::App* cmd, Options& opts) {
                   "OCR languages, as Tesseract names them (default eng)");
   cmd->add_option("--max-pages", opts.max_pages,
                   "refuse documents with more pages (default 200)");
+  cmd->add_option("--jobs", opts.jobs,
+                  "read (OCR) this many page files at once (default 1)");
   cmd->add_option("--save-model", opts.save_model,
                   "also write the pages' words as a TSV page file");
   cmd->add_option("--out", opts.out, "the document tag file to write")

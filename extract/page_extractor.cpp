@@ -253,6 +253,10 @@ bool LooksLikeAmount(std::string_view t) {
          t[start] >= '0' && t[start] <= '9';
 }
 
+bool IsSeparator(std::string_view t) {
+  return t == ":" || t == "-" || t == "\x96" || t == "\x97" || t == "=";
+}
+
 // The caption rules: the words right of the caption on its line, else the
 // nearest words below it.
 bool ByCaption(const PageView& v, size_t p, const std::string& caption,
@@ -273,7 +277,15 @@ bool ByCaption(const PageView& v, size_t p, const std::string& caption,
     }
   }
   if (first >= 0) {
-    TakeWords(v, p, RunFrom(v, first), "caption right", r);
+    std::vector<int32_t> run = RunFrom(v, first);
+    // A colon or dash between caption and value is not part of the value.
+    size_t skip = 0;
+    while (skip + 1 < run.size() &&
+           IsSeparator(v.page->Words[run[skip]].Text)) {
+      ++skip;
+    }
+    run.erase(run.begin(), run.begin() + static_cast<ptrdiff_t>(skip));
+    TakeWords(v, p, run, "caption right", r);
     return true;
   }
   // Below: the highest word under the caption that overlaps it across.

@@ -14,9 +14,11 @@
 // captured document writes the same bytes.
 //
 // Thread safety: CaptureDocument() may run on several threads at once for
-// separate documents that do not share a profile or template being
-// changed. A cCaptureRun is immutable after Open(); Run() and
-// CaptureFile() may be called from several threads at once.
+// separate documents; a profile and template are only read, but they are
+// not documented as safe to share, so cCaptureRun gives each thread its
+// own pair. A cCaptureRun is immutable after Open() apart from that
+// internal pool; Run() and CaptureFile() may be called from several
+// threads at once.
 
 #ifndef PELINOR_CAPTURE_RUN_H_
 #define PELINOR_CAPTURE_RUN_H_

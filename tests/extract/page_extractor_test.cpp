@@ -116,6 +116,10 @@ std::vector<cPageWord> InvoiceWords() {
       {"AB-77", {200, 760, 110, 40}, 66},
       {"VAT", {200, 900, 70, 40}, 90},
       {"GB123456789", {300, 900, 240, 40}, 88},
+      {"Terms", {200, 1100, 110, 40}, 90},
+      {":", {320, 1100, 10, 40}, 90},
+      {"30", {345, 1100, 40, 40}, 90},
+      {"days", {395, 1100, 80, 40}, 90},
   };
 }
 
@@ -408,6 +412,8 @@ TEST(PageExtractorTest, CaptionFields) {
       {"lnvoice No", "INV-0042", "caption right"},
       // Nothing to the right: the words below.
       {"Reference", "AB-77", "caption below"},
+      // A colon standing between caption and value is left out.
+      {"Terms", "30 days", "caption right"},
       {"Delivery address", "", "not found"},
   };
   cPageModel model;
