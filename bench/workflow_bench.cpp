@@ -10,10 +10,13 @@
 // capture run alone (cCaptureRun, one job, writing beside them): the
 // floor. BM_QueueWorkCapture/N runs N worker processes (fork, each
 // cWorkQueue::Capture() with one thread) over the same queue: claims,
-// status files, queue-file updates and all. Both report wall time; the
-// queue is restored from a pristine copy before each run (not timed).
+// status files, queue-file updates and all. Both report wall time and, as
+// cpu_s, the CPU seconds of the work per run (the workers' own for
+// BM_QueueWorkCapture); the queue is restored from a pristine copy before
+// each run (not timed).
 
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -39,6 +42,15 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::GenInvoice;
+
+// CPU seconds (user and system) of this process or of its waited-for
+// children.
+double CpuSeconds(int who) {
+  rusage u{};
+  getrusage(who, &u);
+  return u.ru_utime.tv_sec + u.ru_stime.tv_sec +
+         (u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6;
+}
 
 struct PageFixture {
   testing::TempDir dir;
@@ -172,17 +184,20 @@ void BM_QueueCaptureRunAlone(benchmark::State& state) {
     o.InPlace = true;
     o.Jobs = 1;
     std::string err;
+    const double cpu0 = CpuSeconds(RUSAGE_SELF);
     auto run = cCaptureRun::Open(o, err);
     int32_t n = 0;
     run->Run(files, [&](const cCaptureFileResult& r) {
       n += r.Captured;
       return true;
     });
+    cpu += CpuSeconds(RUSAGE_SELF) - cpu0;
     if (n != kQueueDocs) state.SkipWithError("not every document captured");
   }
   state.counters["docs/s"] =
       benchmark::Counter(static_cast<double>(kQueueDocs) * state.iterations(),
                          benchmark::Counter::kIsRate);
+  state.counters["cpu_s"] = cpu / static_cast<double>(state.iterations());
 }
 BENCHMARK(BM_QueueCaptureRunAlone)
     ->Unit(benchmark::kMillisecond)
@@ -192,10 +207,12 @@ BENCHMARK(BM_QueueCaptureRunAlone)
 void BM_QueueWorkCapture(benchmark::State& state) {
   QueueFixture& f = Queue();
   const int procs = static_cast<int>(state.range(0));
+  double cpu = 0;
   for (auto _ : state) {
     state.PauseTiming();
     f.Restore();
     state.ResumeTiming();
+    const double cpu0 = CpuSeconds(RUSAGE_CHILDREN);
     std::vector<pid_t> pids;
     for (int p = 0; p < procs; ++p) {
       const pid_t pid = fork();
@@ -215,6 +232,7 @@ void BM_QueueWorkCapture(benchmark::State& state) {
         state.SkipWithError("a worker failed");
       }
     }
+    cpu += CpuSeconds(RUSAGE_CHILDREN) - cpu0;
     state.PauseTiming();
     cQueue q;
     std::string err;
@@ -228,6 +246,7 @@ void BM_QueueWorkCapture(benchmark::State& state) {
   state.counters["docs/s"] =
       benchmark::Counter(static_cast<double>(kQueueDocs) * state.iterations(),
                          benchmark::Counter::kIsRate);
+  state.counters["cpu_s"] = cpu / static_cast<double>(state.iterations());
 }
 BENCHMARK(BM_QueueWorkCapture)
     ->Arg(1)

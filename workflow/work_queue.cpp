@@ -178,6 +178,40 @@ std::string JsonText(const std::string& s) {
 
 }  // namespace
 
+cDocumentClaims::~cDocumentClaims() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+bool cDocumentClaims::Open(const std::string& queue_dir) {
+  if (fd_ >= 0) ::close(fd_);
+  fd_ = ::open(JoinPath(queue_dir, "claims.lock").c_str(),
+               O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  return fd_ >= 0;
+}
+
+int64_t cDocumentClaims::Offset(const std::string& doc_id) {
+  uint64_t h = 1469598103934665603ull;
+  for (char c : UCase(doc_id)) {
+    h ^= static_cast<unsigned char>(c);
+    h *= 1099511628211ull;
+  }
+  return static_cast<int64_t>(h >> 2);
+}
+
+bool cDocumentClaims::Set(const std::string& doc_id, bool claim) {
+  if (fd_ < 0) return false;
+  struct flock fl {};
+  fl.l_type = claim ? F_WRLCK : F_UNLCK;
+  fl.l_whence = SEEK_SET;
+  fl.l_start = static_cast<off_t>(Offset(doc_id));
+  fl.l_len = 1;
+  int rc;
+  do {
+    rc = ::fcntl(fd_, F_OFD_SETLK, &fl);
+  } while (rc != 0 && errno == EINTR);
+  return rc == 0;
+}
+
 std::string NowText() {
   const std::time_t t = std::time(nullptr);
   std::tm tm{};
@@ -484,29 +518,34 @@ bool cWorkQueue::Capture(int32_t jobs,
     profile->ReadSettings(profile_->Name, profile_file_, err);
     TemplateCache templates(template_dir_, profile);
     cCaptureOptions copts;
+    cDocumentClaims claims;
+    if (!claims.Open(dir_)) {
+      std::lock_guard<std::mutex> g(mu);
+      failed = true;
+      strErrMsg = "Cannot open " + JoinPath(dir_, "claims.lock");
+      return;
+    }
     for (;;) {
       const size_t i = next.fetch_add(1);
       if (i >= ids.size()) break;
       const std::string& id = ids[i];
-      const std::string lock_path = JoinPath(dir_, id + ".lock");
-      FileLock claim;
       cWorkResult r;
       r.DocId = id;
       auto entry = std::make_shared<cQueueEntry>();
       std::string e2;
-      const bool claimed = claim.TryLock(lock_path);
+      const bool claimed = claims.TryClaim(id);
       // Under the claim the status file tells whether the document still
       // waits: another worker may have taken it since the queue was read.
       const bool waiting = claimed && entry->ReadSettings(StatusFile(id), e2) &&
                            !entry->Reject &&
                            entry->PELINOR_State == kStateToCapture;
       if (!waiting) {
+        if (claimed) claims.Release(id);
         std::lock_guard<std::mutex> g(mu);
         ++summary.Skipped;
         if (claimed && e2.empty()) {
           // Done since the queue file was read: its fresh entry corrects
           // the queue file.
-          DeleteFileQuietly(lock_path);
           pending.push_back(entry);
         }
         continue;
@@ -554,8 +593,7 @@ bool cWorkQueue::Capture(int32_t jobs,
           r.Error = StatusFile(id) + ": " + werr;
         }
       }
-      if (r.Error.empty()) DeleteFileQuietly(lock_path);
-      claim.Unlock();
+      claims.Release(id);
       {
         std::lock_guard<std::mutex> g(mu);
         if (!r.Error.empty()) {

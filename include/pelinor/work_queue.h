@@ -8,12 +8,12 @@
 // Files, all in the profile's local queue directory (docs/workflow.md):
 // "<DocId>.tag" (document tag file), "<DocId>.status" (queue status file),
 // "<DocId>.reject" (reject message file), "queue.txt" (queue file), and
-// the lock files "queue.lock" and "<DocId>.lock". Formats:
+// the lock files "queue.lock" and "claims.lock". Formats:
 // docs/formats/document.md and docs/formats/queue.md.
 //
 // Several processes may work on one queue at once. A worker claims a
-// document by holding an exclusive lock (flock) on its lock file and
-// checks the document's status file under the lock, so no two workers
+// document (cDocumentClaims) and checks the document's status file under
+// the claim, so no two workers
 // capture one document; the kernel drops the lock of a worker that dies,
 // leaving the document claimable again. The status files are the record
 // of each document's progress; the queue file lists every document and
@@ -182,6 +182,49 @@ class cWorkQueue {
   std::shared_ptr<cProfile> profile_;
   std::string dir_;
   std::string template_dir_;
+};
+
+// cDocumentClaims: the claims workers take on documents of one queue
+// directory, as one-byte locks (open file description locks) in its file
+// "claims.lock", at an offset computed from the DocId (62 bits of its
+// FNV-1a hash, ignoring case). The kernel drops a claim with its
+// descriptor, so a process that dies leaves nothing to clean up, and no
+// file is made or removed per document. Any client that changes a queued
+// document (a validation program, say) takes the same claim first.
+//
+// Thread safety: one object per thread; claims of separate objects (in
+// one process or several) exclude each other.
+class cDocumentClaims {
+ public:
+  cDocumentClaims() = default;
+  ~cDocumentClaims();
+  cDocumentClaims(const cDocumentClaims&) = delete;
+  cDocumentClaims& operator=(const cDocumentClaims&) = delete;
+
+  // Open()
+  //
+  // Opens (creating) "claims.lock" in `queue_dir`; false when it cannot.
+  bool Open(const std::string& queue_dir);
+
+  // TryClaim()
+  //
+  // Claims `doc_id` without waiting: false when another object holds it.
+  // REQUIRES: Open() succeeded.
+  bool TryClaim(const std::string& doc_id) { return Set(doc_id, true); }
+
+  // Release()
+  //
+  // Gives up the claim on `doc_id`.
+  void Release(const std::string& doc_id) { Set(doc_id, false); }
+
+  // Offset()
+  //
+  // The byte of "claims.lock" that stands for `doc_id`.
+  static int64_t Offset(const std::string& doc_id);
+
+ private:
+  bool Set(const std::string& doc_id, bool claim);
+  int fd_ = -1;
 };
 
 // NowText()

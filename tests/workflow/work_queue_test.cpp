@@ -209,11 +209,10 @@ TEST(WorkQueue, ClaimOfAKilledWorkerIsReleased) {
 
   int ready[2];
   ASSERT_EQ(pipe(ready), 0);
-  const std::string lock = q->Dir() + "/b-0002.lock";
   const pid_t child = fork();
   if (child == 0) {
-    const int fd = ::open(lock.c_str(), O_RDWR | O_CREAT, 0644);
-    flock(fd, LOCK_EX);
+    cDocumentClaims claims;
+    if (!claims.Open(q->Dir()) || !claims.TryClaim("B-0002")) _exit(1);
     (void)!write(ready[1], "x", 1);
     pause();
     _exit(0);
