@@ -174,6 +174,7 @@ void BM_QueueCaptureRunAlone(benchmark::State& state) {
   std::vector<std::string> files;
   for (const auto& id : f.ids)
     files.push_back(f.dir.File("queue/" + id + ".tag"));
+  double cpu = 0;
   for (auto _ : state) {
     state.PauseTiming();
     f.Restore();
