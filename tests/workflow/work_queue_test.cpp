@@ -344,5 +344,59 @@ TEST(WorkQueue, RefreshFollowsTheStatusFiles) {
   EXPECT_EQ(ReadFile(q->QueueFile()), after);
 }
 
+TEST(WorkQueue, ExportFiles) {
+  TempDir dir;
+  ScopedEnv reg("PELINOR_REGISTRY", dir.File("registry.reg"));
+  const std::string profile = WriteGenInstallation(dir.path());
+  std::vector<GenInvoice> invoices = GenInvoices(2, 9);
+  invoices[0].rows.resize(1);
+  invoices[0].rows[0].description = "Sign \"Exit\" \xA3 plate";
+  invoices[1].rows.resize(1);
+  invoices[1].rows[0].description = "Copier paper A4";
+  const std::string batch = WriteBatch(dir, "e.tsv", invoices);
+  std::string err;
+  auto q = cWorkQueue::Open(profile, err);
+  ASSERT_TRUE(q) << err;
+  ASSERT_TRUE(q->ScanIn({batch}, {}, nullptr, err)) << err;
+  cWorkSummary sum;
+  ASSERT_TRUE(q->Capture(1, nullptr, sum, err)) << err;
+  std::string csv = "\"DocId\",\"Template\",\"Line\",\"Name\",\"Value\"\r\n";
+  std::string js;
+  for (size_t i = 0; i < invoices.size(); ++i) {
+    const GenInvoice& inv = invoices[i];
+    const std::string id = "e-000" + std::to_string(i + 1);
+    const std::string desc =
+        i == 0 ? "Sign \"\"Exit\"\" \xC2\xA3 plate" : inv.rows[0].description;
+    const std::string head = "\"" + id + "\",\"Acme\",";
+    csv += head + "\"0\",\"InvoiceNumber\",\"" + inv.number + "\"\r\n";
+    csv += head + "\"0\",\"Total\",\"" + inv.clean_total + "\"\r\n";
+    csv += head + "\"1\",\"Description\",\"" + desc + "\"\r\n";
+    csv += head + "\"1\",\"Quantity\",\"" + inv.rows[0].quantity + "\"\r\n";
+    csv += head + "\"1\",\"Amount\",\"" + inv.rows[0].clean_amount + "\"\r\n";
+  }
+  cExportSummary out;
+  ASSERT_TRUE(q->Export("csv", dir.File("out.csv"), out, err)) << err;
+  EXPECT_EQ(out.Documents, 2);
+  EXPECT_EQ(out.Rows, 2);
+  EXPECT_EQ(ReadFile(dir.File("out.csv")), csv);
+
+  const struct {
+    const char* format;
+    const char* file;
+    std::string message;
+  } refused[] = {
+      {"csv", "out.csv",
+       dir.File("out.csv") + " exists; an export never replaces a file"},
+      {"xml", "new.xml", "Unknown export format xml (csv or json)"},
+  };
+  for (const auto& c : refused) {
+    SCOPED_TRACE(c.format);
+    EXPECT_FALSE(q->Export(c.format, dir.File(c.file), out, err));
+    EXPECT_EQ(err, c.message);
+  }
+  ASSERT_TRUE(q->Export("json", dir.File("out.json"), out, err)) << err;
+  EXPECT_EQ(ReadFile(dir.File("out.json")), "[]\r\n");
+}
+
 }  // namespace
 }  // namespace pelinor::testing
