@@ -287,9 +287,8 @@ cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
   doc->Template = models->tpl;
   r.Report = CaptureDocument(*doc, options_.Capture, settings_.get());
   r.Captured = true;
-  doc->Profile.reset();
-  doc->Template.reset();
-  Release(std::move(models));
+  // Written while profile and template are attached: data types the file
+  // leaves at 0 are stored as they resolve.
   const std::string out = OutputPath(file);
   if (!out.empty()) {
     if (doc->WriteSettings(out, err)) {
@@ -298,6 +297,9 @@ cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
       r.Error = "cannot write " + out + ": " + err;
     }
   }
+  doc->Profile.reset();
+  doc->Template.reset();
+  Release(std::move(models));
   return r;
 }
 

@@ -57,6 +57,7 @@ struct Extraction {
   cIdentification id;
   std::shared_ptr<cDocumentData> doc;
   std::vector<cFieldResult> results;
+  cCaptureReport report;  // process only
   int32_t page_count = 0;
 };
 
@@ -102,7 +103,8 @@ std::string Percent(double score) {
   return NumberText(std::round(score * 100) / 100);
 }
 
-bool RunExtraction(const Options& opts, Extraction& x) {
+bool RunExtraction(const Options& opts, bool process,
+                   const cCaptureOptions& capture, Extraction& x) {
   std::string err;
   x.profile = std::make_shared<cProfile>();
   const std::string profile_file = FromUtf8(opts.profile);
@@ -189,22 +191,20 @@ bool RunExtraction(const Options& opts, Extraction& x) {
     }
   }
   cPageExtractor extractor;
-  x.id = extractor.Identify(model, candidates);
-  if (!x.id.Identified && opts.tpl.empty()) {
-    Fail(
-        "page not identified: no template's identifier text was found "
-        "(best " +
-            x.id.Best.File + ", score " + Percent(x.id.Best.Score) + ")",
-        kUnidentified);
+  cPageDocument out;
+  const bool ok = process
+                      ? ProcessDocument(extractor, model, x.profile, candidates,
+                                        !opts.tpl.empty(), capture, out, err)
+                      : ExtractDocument(extractor, model, x.profile, candidates,
+                                        !opts.tpl.empty(), out, err);
+  x.id = out.Identification;
+  if (!ok) {
+    Fail(err, x.id.Best.Template ? kUnidentified : 1);
     return false;
   }
-  cTemplateMatch match = x.id.Best;
-  if (!x.id.Identified) {
-    // A template given by name is used as it lies, without a shift.
-    match.ShiftX = 0;
-    match.ShiftY = 0;
-  }
-  extractor.Extract(model, x.profile, match, x.doc, x.results);
+  x.doc = out.Document;
+  x.results = std::move(out.Results);
+  x.report = std::move(out.Capture);
   return true;
 }
 
@@ -294,7 +294,7 @@ json ResultJson(const cFieldResult& r) {
 
 void RunExtract(const Options& opts) {
   Extraction x;
-  if (!RunExtraction(opts, x)) return;
+  if (!RunExtraction(opts, false, cCaptureOptions(), x)) return;
   std::string written;
   if (!WriteDocument(opts, *x.doc, written)) return;
   if (opts.json) {
@@ -332,10 +332,10 @@ void RunExtract(const Options& opts) {
 
 void RunProcess(const Options& opts) {
   Extraction x;
-  if (!RunExtraction(opts, x)) return;
   cCaptureOptions capture;
   capture.LogFile = FromUtf8(opts.log);
-  const cCaptureReport report = CaptureDocument(*x.doc, capture, nullptr);
+  if (!RunExtraction(opts, true, capture, x)) return;
+  const cCaptureReport& report = x.report;
   std::string written;
   if (!WriteDocument(opts, *x.doc, written)) return;
   // Capture values come in field order, as the extraction results do.

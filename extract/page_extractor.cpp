@@ -592,6 +592,58 @@ void cPageExtractor::Extract(const cPageModel& model,
   line_items.Extract(model, match.ShiftX, match.ShiftY, *doc);
 }
 
+bool ExtractDocument(
+    const cPageExtractor& extractor, const cPageModel& model,
+    const std::shared_ptr<cProfile>& profile,
+    const std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>>&
+        candidates,
+    bool forced, cPageDocument& out, std::string& strErrMsg) {
+  strErrMsg.clear();
+  out = cPageDocument();
+  if (model.Pages.empty()) {
+    strErrMsg = "no page was read";
+    return false;
+  }
+  if (candidates.empty() || !profile) {
+    strErrMsg = "no template to identify the page with";
+    return false;
+  }
+  out.Identification = extractor.Identify(
+      model,
+      forced ? std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>>(
+                   candidates.begin(), candidates.begin() + 1)
+             : candidates);
+  cTemplateMatch match = out.Identification.Best;
+  if (!out.Identification.Identified) {
+    if (!forced) {
+      strErrMsg = std::string(kNotIdentifiedMessage) + " (best " + match.File +
+                  ", score " + NumberText(std::round(match.Score * 100) / 100) +
+                  ")";
+      return false;
+    }
+    // A template named by the caller is used as it lies, without a shift.
+    match.ShiftX = 0;
+    match.ShiftY = 0;
+  }
+  extractor.Extract(model, profile, match, out.Document, out.Results);
+  return true;
+}
+
+bool ProcessDocument(
+    const cPageExtractor& extractor, const cPageModel& model,
+    const std::shared_ptr<cProfile>& profile,
+    const std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>>&
+        candidates,
+    bool forced, const cCaptureOptions& options, cPageDocument& out,
+    std::string& strErrMsg) {
+  if (!ExtractDocument(extractor, model, profile, candidates, forced, out,
+                       strErrMsg)) {
+    return false;
+  }
+  out.Capture = CaptureDocument(*out.Document, options, nullptr);
+  return true;
+}
+
 bool ReadTemplateDirectory(
     const std::string& dir, const std::shared_ptr<cProfile>& profile,
     std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>>& templates,

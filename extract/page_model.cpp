@@ -57,6 +57,14 @@ int32_t Clamp32(int64_t v) {
 
 }  // namespace
 
+std::string WordText(std::string_view utf8) {
+  std::string text = Utf8ToWindows1252(utf8);
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
+  }
+  return std::string(Trim(text));
+}
+
 void cBox::Unite(const cBox& other) {
   if (other.Empty()) return;
   if (Empty()) {
@@ -231,8 +239,8 @@ bool cPageModel::ReadTsv(std::string_view text, int32_t dpi,
       page.Width = std::max(page.Width, box.Right());
       page.Height = std::max(page.Height, box.Bottom());
     } else if (level == 5) {
-      std::string word(cols.size() > 11 ? cols[11] : std::string_view());
-      word = std::string(Trim(Utf8ToWindows1252(word)));
+      const std::string word =
+          WordText(cols.size() > 11 ? cols[11] : std::string_view());
       if (word.empty()) continue;
       if (page.Words.size() >= kMaxWordsPerPage) {
         strErrMsg = "Too many words on page " + std::to_string(v[1]);
@@ -438,7 +446,7 @@ bool cPageModel::ReadHocr(std::string_view text, int32_t dpi,
     if (tag[0] == '/') {
       if (in_word && --word_depth == 0) {
         in_word = false;
-        std::string w(Trim(Utf8ToWindows1252(DecodeEntities(word_text))));
+        const std::string w = WordText(DecodeEntities(word_text));
         if (!w.empty() && !pages.empty()) {
           if (pages.back().Words.size() >= kMaxWordsPerPage) {
             strErrMsg = "Too many words on a page";

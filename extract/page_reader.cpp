@@ -290,8 +290,7 @@ bool cPageReader::ReadPdf(const std::string& path, cPageModel& model,
     page.Height = static_cast<int32_t>(std::lround(rect.height() * scale));
     for (const poppler::text_box& tb : pg->text_list()) {
       const poppler::byte_array utf8 = tb.text().to_utf8();
-      std::string text(
-          Trim(Utf8ToWindows1252(std::string_view(utf8.data(), utf8.size()))));
+      std::string text = WordText(std::string_view(utf8.data(), utf8.size()));
       if (text.empty()) continue;
       const poppler::rectf b = tb.bbox();
       cPageWord w;

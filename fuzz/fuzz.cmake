@@ -14,6 +14,7 @@ set(PELINOR_FUZZ_TARGETS
   charmap
   pattern
   format
+  page_model
 )
 
 add_library(pelinor_fuzz_util STATIC fuzz/fuzz_util.cpp)
@@ -38,3 +39,5 @@ foreach(name ${PELINOR_FUZZ_TARGETS})
     add_test(NAME fuzz_${name} COMMAND ${name}_fuzz ${replay} ${inputs})
   endif()
 endforeach()
+# Page files are read by the extraction library.
+target_link_libraries(page_model_fuzz PRIVATE pelinor_extract)

@@ -25,6 +25,7 @@
 #include <utility>
 #include <vector>
 
+#include "pelinor/capture_run.h"
 #include "pelinor/document_data.h"
 #include "pelinor/page_model.h"
 #include "pelinor/profile.h"
@@ -99,6 +100,47 @@ class cPageExtractor {
                const cTemplateMatch& match, std::shared_ptr<cDocumentData>& doc,
                std::vector<cFieldResult>& results) const;
 };
+
+// The message of a page that no template fits, before "(best FILE, score
+// S)".
+inline constexpr char kNotIdentifiedMessage[] =
+    "page not identified: no template's identifier text was found";
+
+// What ExtractDocument() and ProcessDocument() give.
+struct cPageDocument {
+  cIdentification Identification;
+  std::shared_ptr<cDocumentData> Document;
+  std::vector<cFieldResult> Results;
+  cCaptureReport Capture;  // ProcessDocument() only
+};
+
+// ExtractDocument()
+//
+// Identify() then Extract() with the chosen template. With `forced` (one
+// template named by the caller) the first candidate is used even when its
+// identifier is not found, then without a shift. False when no page was
+// read, no candidate is given, or no template fits (kNotIdentifiedMessage
+// + " (best FILE, score S)", S rounded to two decimals); `out.Document` is
+// then null.
+bool ExtractDocument(
+    const cPageExtractor& extractor, const cPageModel& model,
+    const std::shared_ptr<cProfile>& profile,
+    const std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>>&
+        candidates,
+    bool forced, cPageDocument& out, std::string& strErrMsg);
+
+// ProcessDocument()
+//
+// ExtractDocument(), then the capture run (CaptureDocument()) over the
+// document in memory: the values are validated, cleaned and given their
+// statuses. Nothing is written.
+bool ProcessDocument(
+    const cPageExtractor& extractor, const cPageModel& model,
+    const std::shared_ptr<cProfile>& profile,
+    const std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>>&
+        candidates,
+    bool forced, const cCaptureOptions& options, cPageDocument& out,
+    std::string& strErrMsg);
 
 // ReadTemplateDirectory()
 //

@@ -138,6 +138,13 @@ class cPageModel {
   std::string WriteTsv() const;
 };
 
+// WordText()
+//
+// The text of a word as OCR engines and PDF text layers give it (UTF-8) as
+// the model keeps it: Windows-1252, control characters (tabs, line ends)
+// turned into blanks, leading and trailing blanks removed.
+std::string WordText(std::string_view utf8);
+
 }  // namespace pelinor
 
 #endif  // PELINOR_PAGE_MODEL_H_

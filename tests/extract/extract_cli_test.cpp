@@ -183,6 +183,33 @@ TEST(ExtractCliTest, ProcessRepairsOcrMisreads) {
             std::string::npos);
 }
 
+TEST(ExtractCliTest, JobsKeepThePageOrder) {
+  // Two page files: the first page identifies the template, the last-page
+  // fields come from the second file whatever thread read it.
+  for (const char* jobs : {"1", "2"}) {
+    SCOPED_TRACE(jobs);
+    testing::TempDir dir;
+    const auto r =
+        RunPelinor({"extract", "--profile", Profile(), "--jobs", jobs,
+                    Source("examples/samples/coolblue1.pdf"),
+                    testing::DataPath("extract/AzureInterior-scan.tsv"),
+                    "--out", dir.File("two.tag"), "--json"},
+                   Env());
+    ASSERT_EQ(r.status, 0) << r.err;
+    const json report = json::parse(r.out);
+    EXPECT_EQ(report["pages"], 2);
+    auto fields = ByName(report);
+    EXPECT_EQ(fields["InvoiceNumber"]["page"], 1);
+    EXPECT_EQ(fields["InvoiceNumber"]["value"], "993548900");
+    // TotalAmount and NetAmount are last-page fields.
+    EXPECT_EQ(fields["TotalAmount"]["page"], 0);
+    EXPECT_EQ(fields["TotalAmount"]["how"], "not found");
+    EXPECT_EQ(testing::ReadFile(dir.File("two.tag"))
+                  .find("Coolblue\r\nLastSheetIndex:2\r\n"),
+              36u);
+  }
+}
+
 TEST(ExtractCliTest, FailuresLeaveNoTagFile) {
   testing::TempDir dir;
   const std::string other_tpls = dir.File("tpls");

@@ -552,3 +552,68 @@ TEST(PageExtractorTest, ReadsTemplateDirectory) {
 
 }  // namespace
 }  // namespace pelinor
+
+namespace pelinor {
+namespace {
+
+TEST(PageExtractorTest, ExtractAndProcessDocuments) {
+  cPageModel model;
+  model.Pages.push_back(MakePage(InvoiceWords()));
+  auto profile = MakeProfile(
+      {{"InvoiceNumber", 1, 0, "Invoice No"}, {"Total", 4, 0, "Total due"}});
+  auto acme = MakeTemplate(profile, "ACME SUPPLIES INVOICE", 200, 100, {});
+  auto other = MakeTemplate(profile, "NORTHWIND TRADERS", 200, 100, {});
+  struct Case {
+    std::string name;
+    cPageModel model;
+    std::vector<std::pair<std::string, std::shared_ptr<cTemplate>>> tpls;
+    bool forced;
+    bool ok;
+    std::string message;
+  };
+  const std::vector<Case> cases = {
+      {"identified", model, {{"n", other}, {"a", acme}}, false, true, ""},
+      {"forced", model, {{"n", other}}, true, true, ""},
+      {"not identified",
+       model,
+       {{"n", other}},
+       false,
+       false,
+       "page not identified: no template's identifier text was found (best "
+       "n, score 0.25)"},
+      {"no page",
+       cPageModel(),
+       {{"a", acme}},
+       false,
+       false,
+       "no page was read"},
+      {"no template",
+       model,
+       {},
+       false,
+       false,
+       "no template to identify the page with"},
+  };
+  cPageExtractor x;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    cPageDocument out;
+    std::string err = "old";
+    ASSERT_EQ(ProcessDocument(x, c.model, profile, c.tpls, c.forced,
+                              cCaptureOptions(), out, err),
+              c.ok);
+    EXPECT_EQ(err, c.message);
+    EXPECT_EQ(out.Document != nullptr, c.ok);
+    if (!c.ok) continue;
+    EXPECT_EQ(out.Document->Template, c.forced ? other : acme);
+    // The capture run cleaned the amount and set the statuses.
+    ASSERT_EQ(out.Capture.Values.size(), 2u);
+    EXPECT_EQ(out.Capture.Values[1].Raw, "1,234.50");
+    EXPECT_EQ(out.Capture.Values[1].Result, "1234.50");
+    EXPECT_EQ(out.Capture.Status, 0);
+    EXPECT_EQ(out.Results[1].Value, "1,234.50");
+  }
+}
+
+}  // namespace
+}  // namespace pelinor

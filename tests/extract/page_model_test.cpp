@@ -124,6 +124,10 @@ TEST(PageModelTest, ReadsHocr) {
       {"<div class=\"ocr_page\" title=\"bbox 0 0 100 100\">"
        "<span class=\"ocrx_word\" title=\"bbox 1 2 11 22\">x</span></div>",
        true, "x@1,2,10,20", 200},
+      // Line ends and tabs inside a word become blanks.
+      {"<div class='ocr_page' title='bbox 0 0 100 100'>"
+       "<span class='ocrx_word' title='bbox 1 2 11 22'>\ta\r\nb </span></div>",
+       true, "a  b@1,2,10,20", 200},
       {page + "<span class='ocrx_word' title='bbox 10 10 5 5'>x</span>", false,
        "Not a hOCR page file: bad bbox \"bbox 10 10 5 5\"", 0},
       {"<html><body><p>no page</p></body></html>", false,

@@ -7,6 +7,8 @@ if(TARGET extract_tests)
   # The reader tests make their pages with Leptonica and Poppler.
   target_link_libraries(extract_tests PRIVATE pelinor_extract
     PkgConfig::LEPTONICA PkgConfig::POPPLER_CPP)
+  set_tests_properties(extract PROPERTIES ENVIRONMENT
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/extract/lsan.supp")
 endif()
 if(PELINOR_BUILD_CLI)
   pelinor_add_tests(extract_cli
