@@ -50,29 +50,23 @@ class FileLock {
   FileLock& operator=(const FileLock&) = delete;
 
   // Blocks until the lock is held; false when the file cannot be opened.
-  bool Lock(const std::string& path) { return Take(path, false); }
-  // False at once when another holder has it.
-  bool TryLock(const std::string& path) { return Take(path, true); }
+  bool Lock(const std::string& path) {
+    Unlock();
+    fd_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (fd_ < 0) return false;
+    int rc;
+    do {
+      rc = ::flock(fd_, LOCK_EX);
+    } while (rc != 0 && errno == EINTR);
+    if (rc != 0) Unlock();
+    return fd_ >= 0;
+  }
   void Unlock() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;
   }
 
  private:
-  bool Take(const std::string& path, bool try_only) {
-    Unlock();
-    fd_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (fd_ < 0) return false;
-    int rc;
-    do {
-      rc = ::flock(fd_, LOCK_EX | (try_only ? LOCK_NB : 0));
-    } while (rc != 0 && errno == EINTR);
-    if (rc != 0) {
-      Unlock();
-      return false;
-    }
-    return true;
-  }
   int fd_ = -1;
 };
 
@@ -305,7 +299,10 @@ bool cWorkQueue::Refresh(std::string& strErrMsg) {
   cQueue q;
   {
     FileLock lock;
-    lock.Lock(JoinPath(dir_, "queue.lock"));
+    if (!lock.Lock(JoinPath(dir_, "queue.lock"))) {
+      strErrMsg = "Cannot lock " + JoinPath(dir_, "queue.lock");
+      return false;
+    }
     if (!ReadQueue(QueueFile(), q, strErrMsg)) {
       strErrMsg = QueueFile() + ": " + strErrMsg;
       return false;
@@ -464,7 +461,10 @@ bool cWorkQueue::Capture(int32_t jobs,
   auto q = std::make_shared<cQueue>();
   {
     FileLock lock;
-    lock.Lock(JoinPath(dir_, "queue.lock"));
+    if (!lock.Lock(JoinPath(dir_, "queue.lock"))) {
+      strErrMsg = "Cannot lock " + JoinPath(dir_, "queue.lock");
+      return false;
+    }
     if (!ReadQueue(QueueFile(), *q, strErrMsg)) {
       strErrMsg = QueueFile() + ": " + strErrMsg;
       return false;
@@ -639,7 +639,10 @@ bool cWorkQueue::Export(const std::string& format, const std::string& out,
   // The whole export holds the queue lock, so two exports never write the
   // same document.
   FileLock lock;
-  lock.Lock(JoinPath(dir_, "queue.lock"));
+  if (!lock.Lock(JoinPath(dir_, "queue.lock"))) {
+    strErrMsg = "Cannot lock " + JoinPath(dir_, "queue.lock");
+    return false;
+  }
   cQueue listed;
   if (!ReadQueue(QueueFile(), listed, strErrMsg)) {
     strErrMsg = QueueFile() + ": " + strErrMsg;
