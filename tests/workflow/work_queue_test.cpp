@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -342,6 +343,47 @@ TEST(WorkQueue, RefreshFollowsTheStatusFiles) {
   EXPECT_EQ(sum.Skipped, 3);
   EXPECT_EQ(sum.Captured, 0);
   EXPECT_EQ(ReadFile(q->QueueFile()), after);
+}
+
+// A folder is one batch, its files read in name order.
+TEST(WorkQueue, FolderBatchInNameOrder) {
+  TempDir dir;
+  ScopedEnv reg("PELINOR_REGISTRY", dir.File("registry.reg"));
+  const std::string profile = WriteGenInstallation(dir.path());
+  const auto invoices = GenInvoices(2, 6);
+  std::filesystem::create_directories(dir.File("mailroom"));
+  cPageModel note;
+  note.Pages.push_back(GenPages(invoices[0])[0]);
+  note.Pages[0].Words.resize(1);  // "ACME" alone identifies nothing
+  note.Pages[0].GroupLines();
+  cPageModel first, second;
+  first.Pages = GenPages(invoices[0]);
+  second.Pages = GenPages(invoices[1]);
+  WriteFile(dir.File("mailroom/c.tsv"), second.WriteTsv());
+  WriteFile(dir.File("mailroom/a.tsv"), first.WriteTsv());
+  WriteFile(dir.File("mailroom/b.tsv"), note.WriteTsv());
+  std::string err;
+  auto q = cWorkQueue::Open(profile, err);
+  ASSERT_TRUE(q) << err;
+  std::vector<std::string> got;
+  ASSERT_TRUE(q->ScanIn(
+      {dir.File("mailroom")}, {},
+      [&](const cScanInResult& r) {
+        std::string pages;
+        for (int32_t p : r.Pages) {
+          pages.push_back(' ');
+          pages += std::to_string(p);
+        }
+        got.push_back(r.DocId + ":" + pages);
+      },
+      err))
+      << err;
+  EXPECT_EQ(got, (std::vector<std::string>{"mailroom-0001: 1 2",
+                                           "mailroom-0002: 3"}));
+  auto doc = cDocumentData::New();
+  ASSERT_TRUE(doc->ReadSettings(q->TagFile("mailroom-0002"), err)) << err;
+  EXPECT_EQ(doc->LastSheetIndex, 3);
+  EXPECT_EQ(doc->Fields.Item(1)->value, invoices[1].number);
 }
 
 TEST(WorkQueue, ExportFiles) {
