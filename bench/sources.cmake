@@ -7,7 +7,7 @@ set(PELINOR_BENCH_SOURCES
   bench/format_bench.cpp
   bench/template_bench.cpp
   bench/document_bench.cpp
-  bench/extract_bench.cpp
   bench/capture_bench.cpp
+  bench/extract_bench.cpp
   bench/workflow_bench.cpp
 )

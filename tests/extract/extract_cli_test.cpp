@@ -210,6 +210,36 @@ TEST(ExtractCliTest, JobsKeepThePageOrder) {
   }
 }
 
+TEST(ExtractCliTest, SavesThePageModel) {
+  testing::TempDir dir;
+  const std::string notes = dir.File("notes.txt");
+  testing::WriteFile(notes, "my notes\n");
+  const std::string model = dir.File("model.tsv");
+  const std::string pdf = Source("examples/samples/coolblue1.pdf");
+  // A file that is not a TSV page file is left alone.
+  auto r = RunPelinor({"extract", "--profile", Profile(), pdf, "--save-model",
+                       notes, "--out", dir.File("a.tag")},
+                      Env());
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "pelinor: cannot write " + notes + "\n");
+  EXPECT_EQ(testing::ReadFile(notes), "my notes\n");
+  EXPECT_FALSE(std::filesystem::exists(dir.File("a.tag")));
+  // The saved model reads back into the same document.
+  for (int run = 0; run < 2; ++run) {
+    r = RunPelinor({"extract", "--profile", Profile(), pdf, "--save-model",
+                    model, "--out", dir.File("pdf.tag")},
+                   Env());
+    ASSERT_EQ(r.status, 0) << r.err;
+  }
+  EXPECT_EQ(testing::ReadFile(model).substr(0, 6), "level\t");
+  r = RunPelinor(
+      {"extract", "--profile", Profile(), model, "--out", dir.File("tsv.tag")},
+      Env());
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(testing::ReadFile(dir.File("tsv.tag")),
+            testing::ReadFile(dir.File("pdf.tag")));
+}
+
 TEST(ExtractCliTest, FailuresLeaveNoTagFile) {
   testing::TempDir dir;
   const std::string other_tpls = dir.File("tpls");

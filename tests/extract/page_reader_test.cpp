@@ -256,6 +256,29 @@ TEST_F(PageReaderTest, BadFilesGiveMessages) {
     EXPECT_TRUE(model.Pages.empty());
   }
   EXPECT_EQ(reader_.OcrPages(), 0);
+  // A language without its data cannot start OCR.
+  {
+    const std::string small = dir_.File("small.png");
+    PIX* pix = pixCreate(200, 100, 8);
+    pixSetAllArbitrary(pix, 255);
+    ASSERT_EQ(pixWrite(small.c_str(), pix, IFF_PNG), 0);
+    pixDestroy(&pix);
+    cPageReader reader;
+    reader.Language = "zzz";
+    cPageModel model;
+    std::string err;
+    EXPECT_FALSE(reader.ReadFile(small, model, err));
+    EXPECT_EQ(err,
+              "Cannot start OCR for language \"zzz\" (is its tesseract-ocr "
+              "language package installed?)");
+    EXPECT_TRUE(model.Pages.empty());
+    // A blank page reads as a page without words.
+    reader.Language = "eng";
+    ASSERT_TRUE(reader.ReadFile(small, model, err)) << err;
+    ASSERT_EQ(model.Pages.size(), 1u);
+    EXPECT_TRUE(model.Pages[0].Words.empty());
+    EXPECT_EQ(model.Pages[0].Width, 200);
+  }
   // With a higher limit the 500 text pages are read.
   reader_.MaxPages = 500;
   cPageModel model;
