@@ -9,4 +9,5 @@ set(PELINOR_BENCH_SOURCES
   bench/document_bench.cpp
   bench/capture_bench.cpp
   bench/extract_bench.cpp
+  bench/workflow_bench.cpp
 )

@@ -19,6 +19,10 @@ void AddTemplateCommands(CLI::App& app);
 void AddCaptureCommand(CLI::App& app);
 // Adds "extract" and "process": from page files to a document tag file.
 void AddExtractCommands(CLI::App& app);
+// The work queue: "scan-in", "work capture" and "export".
+void AddScanInCommand(CLI::App& app);
+void AddWorkCommand(CLI::App& app);
+void AddExportCommand(CLI::App& app);
 
 }  // namespace pelinor::cli
 

@@ -141,6 +141,9 @@ int main(int argc, char** argv) {
   pelinor::cli::AddTemplateCommands(app);
   pelinor::cli::AddCaptureCommand(app);
   pelinor::cli::AddExtractCommands(app);
+  pelinor::cli::AddScanInCommand(app);
+  pelinor::cli::AddWorkCommand(app);
+  pelinor::cli::AddExportCommand(app);
 
   if (argc == 1) {
     pelinor::cli::WriteStdout(app.help());

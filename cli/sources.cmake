@@ -12,4 +12,7 @@ set(PELINOR_CLI_SOURCES
   cli/completion.cpp
   cli/repair_explain.cpp
   cli/extract_command.cpp
+  cli/scan_in_command.cpp
+  cli/work_command.cpp
+  cli/export_command.cpp
 )

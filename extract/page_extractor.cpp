@@ -12,6 +12,7 @@
 #include "pelinor/field_data.h"
 #include "pelinor/format.h"
 #include "pelinor/line_data.h"
+#include "pelinor/line_item_extractor.h"
 #include "pelinor/numeric.h"
 #include "pelinor/text.h"
 
@@ -586,6 +587,9 @@ void cPageExtractor::Extract(const cPageModel& model,
     Store(r, *f);
     results.push_back(std::move(r));
   }
+  cLineItemExtractor line_items;
+  line_items.MinScore = MinScore;
+  line_items.Extract(model, match.ShiftX, match.ShiftY, *doc);
 }
 
 bool ExtractDocument(

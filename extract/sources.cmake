@@ -5,6 +5,8 @@ set(PELINOR_EXTRACT_SOURCES
   extract/page_model.cpp
   extract/page_reader.cpp
   extract/page_extractor.cpp
+  extract/line_item_extractor.cpp
+  extract/batch_splitter.cpp
 )
 
 pkg_check_modules(TESSERACT REQUIRED IMPORTED_TARGET tesseract)

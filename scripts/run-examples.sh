@@ -44,3 +44,14 @@ run format --type DATEGB "12 0CT 2003" 1.2.03 "15 de março de 2004"
 run format --type POSTCODE SW1A1AA
 run pattern --spec LL000000L --coerce AB12345GC 0B123456C
 run queue select examples/queue/queue.txt --for capture --for least-processed
+
+# The whole path on the sample batch: scan-in, work capture, export (on a
+# copy, since the queue is changed in place).
+demo=$(mktemp -d)
+cp -r examples/workflow "$demo/"
+run scan-in --profile "$demo/workflow/profiles/Coolblue.ini" \
+  "$demo/workflow/batch/coolblue-batch.pdf"
+run work capture --profile "$demo/workflow/profiles/Coolblue.ini" --jobs 2
+run export --profile "$demo/workflow/profiles/Coolblue.ini" --format json \
+  "$demo/invoices.json"
+cat "$demo/invoices.json"

@@ -92,7 +92,8 @@ class cPageExtractor {
   // per pseudo zone entry of the template, values as read (status 1, "Tag
   // has not been validated"), boxes in `Coords`. `doc` gets the profile,
   // template, profile name and page count (LastSheetIndex). `results`
-  // tells how each value was found, fields first.
+  // tells how each value was found, fields first. The line items of the
+  // template's line tables follow (line_item_extractor.h).
   // REQUIRES: profile and match.Template are set.
   void Extract(const cPageModel& model,
                const std::shared_ptr<cProfile>& profile,
