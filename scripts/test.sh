@@ -5,7 +5,7 @@
 #  2. clang build with warnings as errors, AddressSanitizer, UBSan, libFuzzer
 #     and line coverage: every test again, a short fuzzing run of every
 #     target, then the library's line coverage.
-#  3. ThreadSanitizer build of the concurrency test.
+#  3. ThreadSanitizer build of the concurrency and capture-run tests.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -26,5 +26,5 @@ unset LLVM_PROFILE_FILE
 scripts/coverage.sh "$build"
 
 cmake --preset tsan -DPELINOR_WERROR=ON
-cmake --build build/tsan -j "$jobs" --target concurrency_tests
-ctest --preset tsan -R concurrency
+cmake --build build/tsan -j "$jobs" --target concurrency_tests capture_tests
+ctest --preset tsan -R '^(concurrency|capture)$'
