@@ -22,50 +22,17 @@ namespace {
 int ExitCode = 0;
 int StdoutError = 0;
 
-// Decodes the UTF-8 sequence at s[i]: its length and code point, or length
-// 0 when the bytes there are not UTF-8.
-size_t DecodeUtf8(std::string_view s, size_t i, char32_t& cp) {
-  const unsigned char b = static_cast<unsigned char>(s[i]);
-  const size_t len = b < 0x80         ? 1
-                     : (b >> 5) == 6  ? 2
-                     : (b >> 4) == 14 ? 3
-                     : (b >> 3) == 30 ? 4
-                                      : 0;
-  if (len == 0 || i + len > s.size()) return 0;
-  cp = len == 1 ? b : b & (0x7F >> len);
-  for (size_t k = 1; k < len; ++k) {
-    const unsigned char c = static_cast<unsigned char>(s[i + k]);
-    if ((c & 0xC0) != 0x80) return 0;
-    cp = (cp << 6) | (c & 0x3F);
-  }
-  return len;
-}
-
 std::string Utf8Text(std::string_view s, bool throw_on_loss) {
+  if (!throw_on_loss) return Utf8ToWindows1252(s);
   std::string out;
-  out.reserve(s.size());
-  size_t i = 0;
-  while (i < s.size()) {
-    char32_t cp = 0;
-    const size_t len = DecodeUtf8(s, i, cp);
-    if (len == 0) {
-      // Not UTF-8: take the byte as Windows-1252 already.
-      out.push_back(s[i]);
-      ++i;
-      continue;
-    }
-    const int byte = Windows1252Of(cp);
-    if (byte < 0 && throw_on_loss) {
-      char code[16];
-      std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(cp));
-      throw EncodingError("\"" + std::string(s.substr(i, len)) + "\" (" + code +
-                          ") in \"" + std::string(s) +
-                          "\" cannot be written in Windows-1252");
-    }
-    out.push_back(byte < 0 ? '?' : static_cast<char>(byte));
-    i += len;
-  }
-  return out;
+  Utf8Loss loss;
+  if (Utf8ToWindows1252(s, out, loss)) return out;
+  char code[16];
+  std::snprintf(code, sizeof code, "U+%04X",
+                static_cast<unsigned>(loss.code_point));
+  throw EncodingError("\"" + std::string(s.substr(loss.offset, loss.length)) +
+                      "\" (" + code + ") in \"" + std::string(s) +
+                      "\" cannot be written in Windows-1252");
 }
 
 void WriteStderr(const std::string& line) {
@@ -116,24 +83,7 @@ std::string FromUtf8(std::string_view s) { return Utf8Text(s, true); }
 
 std::string PathText(std::string_view s) { return Utf8Text(s, false); }
 
-std::string ToUtf8(std::string_view s) {
-  std::string out;
-  out.reserve(s.size() + s.size() / 8);
-  for (char ch : s) {
-    char32_t cp = CodePointOf(ch);
-    if (cp < 0x80) {
-      out.push_back(static_cast<char>(cp));
-    } else if (cp < 0x800) {
-      out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-    } else {
-      out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-    }
-  }
-  return out;
-}
+std::string ToUtf8(std::string_view s) { return Windows1252ToUtf8(s); }
 
 nlohmann::json Json(std::string_view cp1252) { return ToUtf8(cp1252); }
 

@@ -112,41 +112,63 @@ int Windows1252Of(char32_t cp) {
   return -1;
 }
 
-std::string Utf8ToWindows1252(std::string_view s) {
-  std::string out;
+size_t DecodeUtf8(std::string_view s, size_t i, char32_t& cp) {
+  const unsigned char b = static_cast<unsigned char>(s[i]);
+  const size_t len = b < 0x80         ? 1
+                     : (b >> 5) == 6  ? 2
+                     : (b >> 4) == 14 ? 3
+                     : (b >> 3) == 30 ? 4
+                                      : 0;
+  if (len == 0 || i + len > s.size()) return 0;
+  cp = len == 1 ? b : b & (0x7F >> len);
+  for (size_t k = 1; k < len; ++k) {
+    const unsigned char c = static_cast<unsigned char>(s[i + k]);
+    if ((c & 0xC0) != 0x80) return 0;
+    cp = (cp << 6) | (c & 0x3F);
+  }
+  return len;
+}
+
+namespace {
+
+// Converts `s` into `out`. With `loss`, stops at the first character with
+// no Windows-1252 form and describes it there (false); otherwise such
+// characters become "?".
+bool ConvertUtf8(std::string_view s, std::string& out, Utf8Loss* loss) {
+  out.clear();
   out.reserve(s.size());
   size_t i = 0;
   while (i < s.size()) {
-    unsigned char b = static_cast<unsigned char>(s[i]);
-    size_t len = b < 0x80         ? 1
-                 : (b >> 5) == 6  ? 2
-                 : (b >> 4) == 14 ? 3
-                 : (b >> 3) == 30 ? 4
-                                  : 0;
     char32_t cp = 0;
-    bool valid = len != 0 && i + len <= s.size();
-    if (valid) {
-      cp = len == 1 ? b : b & (0x7F >> len);
-      for (size_t k = 1; k < len; ++k) {
-        unsigned char c = static_cast<unsigned char>(s[i + k]);
-        if ((c & 0xC0) != 0x80) {
-          valid = false;
-          break;
-        }
-        cp = (cp << 6) | (c & 0x3F);
-      }
-    }
-    if (!valid) {
+    const size_t len = DecodeUtf8(s, i, cp);
+    if (len == 0) {
       // Not UTF-8: take the byte as Windows-1252 already.
-      out.push_back(static_cast<char>(b));
+      out.push_back(s[i]);
       ++i;
       continue;
     }
     int byte = Windows1252Of(cp);
+    if (byte < 0 && loss != nullptr) {
+      *loss = Utf8Loss{i, len, cp};
+      return false;
+    }
     out.push_back(byte < 0 ? '?' : static_cast<char>(byte));
     i += len;
   }
+  return true;
+}
+
+}  // namespace
+
+std::string Utf8ToWindows1252(std::string_view s) {
+  std::string out;
+  ConvertUtf8(s, out, nullptr);
   return out;
+}
+
+bool Utf8ToWindows1252(std::string_view utf8, std::string& out,
+                       Utf8Loss& loss) {
+  return ConvertUtf8(utf8, out, &loss);
 }
 
 std::string Windows1252ToUtf8(std::string_view s) {

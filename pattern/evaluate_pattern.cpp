@@ -103,7 +103,7 @@ bool LoadMappings(cPatternEngine& engine, std::string& strErrMsg) {
 // Engines that have loaded a specification, kept per thread for the
 // snapshot they were made with: an engine runs any number of texts after
 // one LoadSBSExpression(), so evaluations through a snapshot neither
-// parse the specification nor build an engine again.
+// parse the pattern specification nor build an engine again.
 struct LoadedEngine {
   std::unique_ptr<cPatternEngine> engine;
   bool loaded = false;

@@ -11,7 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "pattern/spec_matcher.h"
+#include "pattern/memo_matcher.h"
 #include "pelinor/pattern_engine.h"
 
 namespace pelinor {

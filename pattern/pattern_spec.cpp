@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "pattern/spec_matcher.h"
+#include "pattern/memo_matcher.h"
 #include "pelinor/pattern_engine.h"
 
 namespace pelinor {

@@ -266,7 +266,7 @@ class cPatternEngine {
   int32_t variation_count_ = 0;
   int32_t best_ = -1;
   // The last loaded specification's matcher and the expression it stands
-  // for; null when the specification is too long for it.
+  // for; null when the pattern specification is too long for it.
   std::shared_ptr<const internal::SpecProgram> program_;
   std::string loaded_expression_;
   // End of pattern specifications and matching.

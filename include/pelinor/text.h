@@ -84,12 +84,34 @@ char32_t CodePointOf(char c);
 // The Windows-1252 byte of a Unicode code point, or -1 when it has none.
 int Windows1252Of(char32_t code_point);
 
+// DecodeUtf8()
+//
+// The UTF-8 sequence at s[i]: its length in bytes, with its code point in
+// `cp`; 0 when the bytes there are not a UTF-8 sequence.
+// REQUIRES: i < s.size().
+size_t DecodeUtf8(std::string_view s, size_t i, char32_t& cp);
+
 // Utf8ToWindows1252()
 //
 // UTF-8 text (from people, OCR engines, PDF text layers) as Windows-1252.
 // Characters with no Windows-1252 form become "?"; bytes that are not
 // valid UTF-8 are taken as Windows-1252 already.
 std::string Utf8ToWindows1252(std::string_view utf8);
+
+// A character of UTF-8 text that Windows-1252 cannot hold.
+struct Utf8Loss {
+  size_t offset = 0;  // where its bytes start in the UTF-8 text
+  size_t length = 0;  // how many bytes it takes
+  char32_t code_point = 0;
+};
+
+// Utf8ToWindows1252()
+//
+// As above, but nothing is replaced: false at the first character with no
+// Windows-1252 form, which `loss` then describes (`out` holds the text
+// before it). For texts that go into files, where a "?" would be a silent
+// change.
+bool Utf8ToWindows1252(std::string_view utf8, std::string& out, Utf8Loss& loss);
 
 // Windows1252ToUtf8()
 //

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace pelinor {
 namespace {
 
@@ -71,6 +73,49 @@ TEST(InStr, UsesOneBasedPositions) {
   EXPECT_EQ(Mid("abcdef", 2, 3), "bcd");
   EXPECT_EQ(Mid("abcdef", 5), "ef");
   EXPECT_EQ(Mid("abc", 4), "");
+}
+
+TEST(Utf8ToWindows1252, ConvertsReplacesOrStopsAtTheFirstLoss) {
+  struct Case {
+    const char* utf8;
+    const char* lenient;  // the "?" form
+    bool strict_ok;
+    size_t offset;  // of the first loss, when !strict_ok
+    size_t length;
+    char32_t code_point;
+  } cases[] = {
+      {"plain", "plain", true, 0, 0, 0},
+      {"M\xC3\xA4rz \xE2\x82\xAC"
+       "5",
+       "M\xE4rz \x80"
+       "5",
+       true, 0, 0, 0},
+      // Bytes that are not UTF-8 are Windows-1252 already.
+      {"M\xE4rz", "M\xE4rz", true, 0, 0, 0},
+      {"a\xE4\xB8\xAD\xF0\x9F\x98\x80", "a??", false, 1, 3, 0x4E2D},
+      {"\xF0\x9F\x98\x80", "?", false, 0, 4, 0x1F600},
+      // A cut sequence at the end is taken byte by byte.
+      {"x\xC3", "x\xC3", true, 0, 0, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.utf8);
+    EXPECT_EQ(Utf8ToWindows1252(c.utf8), c.lenient);
+    std::string out;
+    Utf8Loss loss;
+    ASSERT_EQ(Utf8ToWindows1252(c.utf8, out, loss), c.strict_ok);
+    if (c.strict_ok) {
+      EXPECT_EQ(out, c.lenient);
+    } else {
+      EXPECT_EQ(loss.offset, c.offset);
+      EXPECT_EQ(loss.length, c.length);
+      EXPECT_EQ(loss.code_point, c.code_point);
+      EXPECT_EQ(out, std::string(c.utf8, c.offset));
+    }
+  }
+  EXPECT_EQ(Windows1252ToUtf8("M\xE4rz \x80"
+                              "5\x81"),
+            "M\xC3\xA4rz \xE2\x82\xAC"
+            "5\xC2\x81");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The pattern matcher without backtracking blow-up. Rules:
 // docs/formats/patterns.md ("Matching").
 
-#include "pattern/spec_matcher.h"
+#include "pattern/memo_matcher.h"
 
 #include <algorithm>
 

@@ -9,8 +9,8 @@
 // Thread safety: a program is immutable once built and may be shared;
 // Run() keeps its working state on the caller's stack.
 
-#ifndef PELINOR_PATTERN_SPEC_MATCHER_H_
-#define PELINOR_PATTERN_SPEC_MATCHER_H_
+#ifndef PELINOR_PATTERN_MEMO_MATCHER_H_
+#define PELINOR_PATTERN_MEMO_MATCHER_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -76,4 +76,4 @@ class SpecProgram {
 
 }  // namespace pelinor::internal
 
-#endif  // PELINOR_PATTERN_SPEC_MATCHER_H_
+#endif  // PELINOR_PATTERN_MEMO_MATCHER_H_
