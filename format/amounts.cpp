@@ -406,11 +406,16 @@ bool cFormat::FormatNumeric(const std::string& value, std::string& out,
     std::reverse(result.begin(), result.end());
     ApplySign(result);
     if (result.empty() || result == "-" || result.back() == '.') return false;
+    // Only a changed value has repair steps; the format log, checked only
+    // then, gets them from the traced reading.
+    if (result != value && FormatLogWanted()) {
+      cRepairTrace steps;
+      return FormatNumeric(value, out, code, &steps);
+    }
     out = result;
     return true;
   }
-  // Numerics write nothing to the format log, so only a caller's trace
-  // records steps.
+  // The traced reading: the same result, with every step recorded.
   cRepairTrace* t = trace;
   const size_t first = t != nullptr ? t->Size() : 0;
   const char separator = code == 300 ? ',' : '.';
@@ -473,6 +478,7 @@ bool cFormat::FormatNumeric(const std::string& value, std::string& out,
   ApplySign(result);
   const bool ok = !(result.empty() || result == "-" || result.back() == '.');
   if (ok) out = result;
+  if (ok) LogRepairSteps(*t, first);
   return ok;
 }
 

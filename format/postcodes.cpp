@@ -84,11 +84,19 @@ bool cFormat::IsStrictOutwardCode(std::string_view code) const {
 
 bool cFormat::FormatPostCode(const std::string& value, std::string& out,
                              int32_t code, cRepairTrace* trace) const {
-  // Postcodes write nothing to the format log, so only a caller's trace
-  // records steps.
-  if (trace == nullptr) return FormatPostCodeSteps(value, out, code);
+  // Only a changed postcode has repair steps; the format log, checked only
+  // then, gets them after the result is known.
   const bool ok = FormatPostCodeSteps(value, out, code);
-  if (ok) TracePostCode(value, out, *trace);
+  if (!ok || out == value) return ok;
+  if (trace != nullptr) {
+    const size_t first = trace->Size();
+    TracePostCode(value, out, *trace);
+    LogRepairSteps(*trace, first);
+  } else if (FormatLogWanted()) {
+    cRepairTrace steps;
+    TracePostCode(value, out, steps);
+    LogRepairSteps(steps, 0);
+  }
   return ok;
 }
 
