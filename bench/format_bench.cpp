@@ -13,6 +13,7 @@
 #include "pelinor/format.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 
 namespace {
 
@@ -253,5 +254,67 @@ void BM_FormatPostCode(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_FormatPostCode);
+
+// The same work with a repair trace collecting every step, beside the
+// untraced figures above (which a trace must not slow down).
+void BM_FormatAmountTraced(benchmark::State& state) {
+  UseNoRegistry();
+  const cFormat format;
+  const int32_t codes[] = {4, 200, 10004, 10200};
+  size_t i = 0;
+  std::string out;
+  pelinor::cRepairTrace trace;
+  for (auto _ : state) {
+    trace.Clear();
+    benchmark::DoNotOptimize(
+        format.FormatAmount(Next(kAmounts, i), out, codes[i % 4], &trace));
+  }
+}
+BENCHMARK(BM_FormatAmountTraced);
+
+void BM_FormatNumericTraced(benchmark::State& state) {
+  const cFormat format;
+  size_t i = 0;
+  std::string out;
+  pelinor::cRepairTrace trace;
+  for (auto _ : state) {
+    trace.Clear();
+    benchmark::DoNotOptimize(
+        format.FormatNumeric(Next(kNumerics, i), out, i % 2 ? 300 : 2, &trace));
+  }
+}
+BENCHMARK(BM_FormatNumericTraced);
+
+void BM_CoerceDateTraced(benchmark::State& state) {
+  UseNoRegistry();
+  const cFormat format;
+  const cPatternEngine engine;
+  std::vector<std::string> names;
+  for (const DateCase& c : kDates) names.push_back(format.FormatDescr(c.code));
+  size_t i = 0;
+  std::string out;
+  bool ok = false;
+  pelinor::cRepairTrace trace;
+  for (auto _ : state) {
+    const size_t at = i;
+    trace.Clear();
+    engine.CoerceDate(Next(kDates, i).text, out, names[at], ok, &trace);
+    benchmark::DoNotOptimize(ok);
+  }
+}
+BENCHMARK(BM_CoerceDateTraced);
+
+void BM_FormatPostCodeTraced(benchmark::State& state) {
+  const cFormat format;
+  size_t i = 0;
+  std::string out;
+  pelinor::cRepairTrace trace;
+  for (auto _ : state) {
+    trace.Clear();
+    benchmark::DoNotOptimize(
+        format.FormatPostCode(Next(kPostCodes, i), out, 5, &trace));
+  }
+}
+BENCHMARK(BM_FormatPostCodeTraced);
 
 }  // namespace

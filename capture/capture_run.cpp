@@ -20,8 +20,10 @@
 #include "pelinor/format.h"
 #include "pelinor/line_data.h"
 #include "pelinor/numeric.h"
+#include "pelinor/pattern_engine.h"
 #include "pelinor/profile.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/template.h"
 #include "pelinor/text.h"
 
@@ -72,6 +74,58 @@ void CheckValue(std::string& value, int32_t type, const std::string& pattern,
   message = valid ? "" : ExpectedFormat(type, pattern);
 }
 
+// Runs the cleaning of a value of `type` again on `raw`, quietly, to learn
+// the steps that changed it into `result`. `date_format` is the format name the
+// value's date coercion uses.
+void ExplainValue(int32_t type, const std::string& date_format,
+                  const std::string& pattern, const std::string& raw,
+                  const std::string& result, cRepairTrace& trace) {
+  const cQuietFormatLog quiet;
+  const cFormat format;
+  std::string out;
+  if (type == 2 || type == 300) {
+    format.FormatNumeric(raw, out, type, &trace);
+  } else if (type == 4 || type == 200) {
+    format.FormatAmount(raw, out, type, &trace);
+  } else if (type == 5) {
+    format.FormatPostCode(raw, out, type, &trace);
+  } else if (IsDateType(type)) {
+    bool ok = false;
+    cPatternEngine().CoerceDate(raw, out, date_format, ok, &trace);
+  } else {
+    // A field's own check may remove spaces first; a value checked as the
+    // capture cleans it keeps them. The reading that gives the result is
+    // the one that explains it.
+    std::string err;
+    std::string text = raw;
+    cPatternEngine engine;
+    if (EvaluatePatternWith(engine, text, pattern, true, true, true, false, out,
+                            err, "", &trace) &&
+        out == result) {
+      return;
+    }
+    trace.Clear();
+    ValidatePatternValue(raw, pattern, true, out, err, &trace);
+  }
+}
+
+// Fills in what the capture did to `c` and, when guesses are reviewed,
+// gives a valid value whose steps include one the review status.
+void Explain(cCaptureValue& c, int32_t type, const std::string& date_format,
+             const std::string& pattern, const cCaptureOptions& options,
+             int32_t& status, std::string& message) {
+  c.Changed = c.Result != c.Raw;
+  if (!c.Changed || status != 0) return;
+  cRepairTrace trace;
+  ExplainValue(type, date_format, pattern, c.Raw, c.Result, trace);
+  c.Risk = trace.Highest();
+  c.Steps = trace.Steps();
+  if (options.ReviewGuess && c.Risk == RiskClass::kGuess) {
+    status = kCaptureReviewStatus;
+    message = kReviewMessagePrefix + trace.Sentences();
+  }
+}
+
 // The pattern a cell is checked against: its line header's.
 std::string CellPattern(const cDocumentData& doc, const std::string& name) {
   for (const auto& h : doc.LineHeaders) {
@@ -86,8 +140,11 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
   std::string log = options.LogFile;
   for (const auto& f : doc.Fields) {
     if (!f) continue;
-    cCaptureValue c{f->Name, f->value, "", 0, ""};
-    const bool was_valid = f->Status == 0;
+    cCaptureValue c;
+    c.Name = f->Name;
+    c.Raw = f->value;
+    // A value to check was cleaned already: it is in its stored form.
+    const bool was_valid = f->Status == 0 || f->Status == kCaptureReviewStatus;
     if (!was_valid || options.Recheck) {
       CheckValue(
           f->value, f->DataType(), f->Pattern(), was_valid,
@@ -95,6 +152,8 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
           f->Status, f->StatusMessage);
     }
     c.Result = f->value;
+    Explain(c, f->DataType(), cFormat().FormatDescr(f->DefaultDataType()),
+            f->Pattern(), options, f->Status, f->StatusMessage);
     c.Status = f->Status;
     c.Message = f->StatusMessage;
     report.Values.push_back(std::move(c));
@@ -106,6 +165,7 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     ++line;
     if (!row) continue;
     bool row_valid = true;
+    bool row_invalid = false;
     for (const auto& cell : row->colLineItemData) {
       if (!cell) continue;
       for (const auto& h : doc.LineHeaders) {
@@ -115,42 +175,75 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
           break;
         }
       }
-      cCaptureValue c{"Line " + NumberText(line) + " " + cell->Name,
-                      cell->value, "", 0, ""};
-      const bool was_valid = cell->Status == 0;
+      cCaptureValue c;
+      c.Name = "Line " + NumberText(line) + " " + cell->Name;
+      c.Raw = cell->value;
+      const bool was_valid =
+          cell->Status == 0 || cell->Status == kCaptureReviewStatus;
+      const std::string pattern = CellPattern(doc, cell->Name);
       if (!was_valid || options.Recheck) {
         CheckValue(
-            cell->value, cell->DataType, CellPattern(doc, cell->Name),
-            was_valid, [&] { return cell->Validate(log); },
+            cell->value, cell->DataType, pattern, was_valid,
+            [&] { return cell->Validate(log); },
             [&] { cell->FormatDataValue(log); }, cell->Status,
             cell->StatusMessage);
       }
-      row_valid = row_valid && cell->Status == 0;
       c.Result = cell->value;
+      Explain(c, cell->DataType, cFormat().FormatDescr(cell->DataType), pattern,
+              options, cell->Status, cell->StatusMessage);
+      row_valid = row_valid && cell->Status == 0;
+      row_invalid = row_invalid ||
+                    (cell->Status != 0 && cell->Status != kCaptureReviewStatus);
       c.Status = cell->Status;
       c.Message = cell->StatusMessage;
       report.Values.push_back(std::move(c));
     }
-    row->Status = row_valid ? 0 : kCaptureInvalidStatus;
-    row->StatusMessage = row_valid ? "" : kInvalidLineMessage;
+    if (row_valid) {
+      row->Status = 0;
+      row->StatusMessage = "";
+    } else if (row_invalid) {
+      row->Status = kCaptureInvalidStatus;
+      row->StatusMessage = kInvalidLineMessage;
+    } else {
+      row->Status = kCaptureReviewStatus;
+      row->StatusMessage = kReviewLineMessage;
+    }
   }
   std::string failed;
+  std::string to_check;
   int32_t count = 0;
+  int32_t review = 0;
   for (const cCaptureValue& c : report.Values) {
     if (c.Status == 0) continue;
     ++count;
-    failed += (failed.empty() ? "" : ", ") + c.Name;
+    if (c.Status == kCaptureReviewStatus) {
+      ++review;
+      to_check += (to_check.empty() ? "" : ", ") + c.Name;
+    } else {
+      failed += (failed.empty() ? "" : ", ") + c.Name;
+    }
   }
-  doc.Status = count == 0 ? 0 : kCaptureInvalidStatus;
-  doc.StatusMessage = count == 0
-                          ? ""
-                          : NumberText(count) +
-                                (count == 1 ? " value is not valid: "
-                                            : " values are not valid: ") +
-                                failed;
+  const int32_t invalid = count - review;
+  if (invalid > 0) {
+    doc.Status = kCaptureInvalidStatus;
+    doc.StatusMessage =
+        NumberText(invalid) +
+        (invalid == 1 ? " value is not valid: " : " values are not valid: ") +
+        failed;
+  } else if (review > 0) {
+    doc.Status = kCaptureReviewStatus;
+    doc.StatusMessage =
+        NumberText(review) +
+        (review == 1 ? " value needs checking: " : " values need checking: ") +
+        to_check;
+  } else {
+    doc.Status = 0;
+    doc.StatusMessage = "";
+  }
   report.Status = doc.Status;
   report.Message = doc.StatusMessage;
   report.InvalidCount = count;
+  report.ReviewCount = review;
 }
 
 std::string BaseName(const std::string& path) {

@@ -16,11 +16,13 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "cli/repair_explain.h"
 #include "pelinor/capture_run.h"
 #include "pelinor/document_data.h"
 #include "pelinor/numeric.h"
 #include "pelinor/profile.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/template.h"
 
 namespace pelinor::cli {
@@ -39,6 +41,7 @@ struct Options {
   bool json_lines = false;
   bool recheck = false;
   bool fail_on_invalid = false;
+  std::string review;  // "" or "guess"
   int32_t jobs = 0;
   std::vector<std::string> inputs;
 };
@@ -54,14 +57,29 @@ std::string StemOf(const std::string& path) {
   return base;
 }
 
+// What the Change column shows: "-" for a value left as it was, else the
+// highest class of the steps that changed it.
+std::string ChangeText(const cCaptureValue& c) {
+  if (!c.Changed) return "-";
+  const std::string_view risk = RiskClassName(c.Risk);
+  return risk.empty() ? "changed" : std::string(risk);
+}
+
+std::string StatusText(const cCaptureValue& c) {
+  if (c.Status == 0) return "ok";
+  if (c.Status == kCaptureReviewStatus) return c.Message;
+  return "FAIL: " + c.Message;
+}
+
 void PrintTable(const cCaptureFileResult& r) {
   const cCaptureReport& report = r.Report;
-  const char* heads[] = {"Field", "Raw value", "Result", "Status"};
-  size_t w[3] = {5, 9, 6};
+  const char* heads[] = {"Field", "Raw value", "Result", "Change", "Status"};
+  size_t w[4] = {5, 9, 6, 6};
   for (const cCaptureValue& c : report.Values) {
     w[0] = std::max(w[0], c.Name.size());
     w[1] = std::max(w[1], c.Raw.size());
     w[2] = std::max(w[2], c.Result.size());
+    w[3] = std::max(w[3], ChangeText(c).size());
   }
   auto pad = [](const std::string& s, size_t n) {
     return s + std::string(n > s.size() ? n - s.size() : 0, ' ');
@@ -71,11 +89,11 @@ void PrintTable(const cCaptureFileResult& r) {
                                 : "status " + NumberText(report.Status) + ", " +
                                       report.Message));
   PrintLine("  " + pad(heads[0], w[0]) + "  " + pad(heads[1], w[1]) + "  " +
-            pad(heads[2], w[2]) + "  " + heads[3]);
+            pad(heads[2], w[2]) + "  " + pad(heads[3], w[3]) + "  " + heads[4]);
   for (const cCaptureValue& c : report.Values) {
     PrintLine("  " + pad(c.Name, w[0]) + "  " + pad(c.Raw, w[1]) + "  " +
-              pad(c.Result, w[2]) + "  " +
-              (c.Status == 0 ? std::string("ok") : "FAIL: " + c.Message));
+              pad(c.Result, w[2]) + "  " + pad(ChangeText(c), w[3]) + "  " +
+              StatusText(c));
   }
   PrintLine("");
 }
@@ -91,7 +109,10 @@ json FileJson(const cCaptureFileResult& r) {
                       {"raw", Json(c.Raw)},
                       {"value", Json(c.Result)},
                       {"status", c.Status},
-                      {"message", Json(c.Message)}});
+                      {"message", Json(c.Message)},
+                      {"changed", c.Changed},
+                      {"risk", std::string(RiskClassName(c.Risk))},
+                      {"steps", StepsJson(cRepairTrace(c.Steps))}});
   }
   json j = {{"file", Json(r.File)},
             {"written", Json(r.Written)},
@@ -135,6 +156,11 @@ void RunCapture(const Options& opts) {
   run_opts.TemplateFile = FromUtf8(opts.tpl);
   run_opts.Capture.LogFile = FromUtf8(opts.log);
   run_opts.Capture.Recheck = opts.recheck;
+  if (!opts.review.empty() && opts.review != "guess") {
+    Fail("--review takes guess, not \"" + opts.review + "\"", 2);
+    return;
+  }
+  run_opts.Capture.ReviewGuess = opts.review == "guess";
   run_opts.OutDir = FromUtf8(opts.out_dir);
   run_opts.InPlace = opts.in_place;
   run_opts.Jobs = opts.jobs;
@@ -361,6 +387,13 @@ void AddCaptureCommand(CLI::App& app) {
   capture->add_flag("--recheck", opts->recheck,
                     "check values already valid (status 0) again; a date "
                     "already in the locale's order keeps its order");
+  capture
+      ->add_option("--review", opts->review,
+                   "guess: give values whose repairs include a guess "
+                   "(docs/repair-trace.md) status 3 and the message "
+                   "\"Check: \" with the repairs, so a person checks "
+                   "them")
+      ->type_name("CLASS");
   capture->add_flag("--fail-on-invalid", opts->fail_on_invalid,
                     "exit with status 1 when any value is not valid");
   capture->add_flag("--json-lines", opts->json_lines,

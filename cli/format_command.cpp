@@ -11,11 +11,14 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "cli/repair_explain.h"
+#include "core/reg_file_store.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/format.h"
 #include "pelinor/numeric.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/text.h"
 
 namespace pelinor::cli {
@@ -24,13 +27,91 @@ namespace {
 struct FormatOptions {
   std::string type;                 // code or format name, UTF-8
   std::string locale;               // empty: "HalvernLocale" from the registry
+  std::string registry_file;        // handed on as given
   std::vector<std::string> values;  // UTF-8
   std::string spec;  // pattern for data types without a formatter, UTF-8
   bool coerce = false;
   bool json = false;
+  bool json_lines = false;
+  bool explain = false;
 };
 
 enum class Family { kAmount, kNumeric, kDate, kPostCode, kNone };
+
+// The registry with the server's "HalvernLocale" laid over it, so that the
+// formatter, which reads the locale from the registry, works in the locale
+// given on the command line. Everything else goes to the real stores.
+class LocaleOverlay : public registry_internal::RegistryBackend {
+ public:
+  explicit LocaleOverlay(std::string locale)
+      : data_(std::move(locale) + '\0'),
+        key_(
+            UCase(MachineSettingsKeyPath(kServerApplication, kServerSection))) {
+  }
+
+  registry_internal::QueryResult QueryValue(int32_t hive,
+                                            std::string_view key_path,
+                                            std::string_view name,
+                                            size_t capacity,
+                                            std::string& data) const override {
+    if (hive == kHkeyLocalMachine && UCase(key_path) == key_ &&
+        EqualsIgnoreCase(name, kLocaleValue)) {
+      if (data_.size() > capacity) {
+        return registry_internal::QueryResult::kTooLarge;
+      }
+      data = data_;
+      return registry_internal::QueryResult::kOk;
+    }
+    return system().QueryValue(hive, key_path, name, capacity, data);
+  }
+  registry_internal::SetResult SetValue(int32_t hive, std::string_view key_path,
+                                        std::string_view name, uint32_t type,
+                                        std::string_view data) const override {
+    return system().SetValue(hive, key_path, name, type, data);
+  }
+  std::optional<int32_t> DeleteKey(int32_t hive, std::string_view parent_path,
+                                   std::string_view subkey) const override {
+    return system().DeleteKey(hive, parent_path, subkey);
+  }
+  std::optional<int32_t> DeleteValue(int32_t hive, std::string_view key_path,
+                                     std::string_view name,
+                                     bool create_key) const override {
+    return system().DeleteValue(hive, key_path, name, create_key);
+  }
+  std::optional<std::vector<std::string>> ValueNames(
+      int32_t hive, std::string_view key_path) const override {
+    return system().ValueNames(hive, key_path);
+  }
+
+ private:
+  static const registry_internal::RegistryBackend& system() {
+    return registry_internal::SystemBackend();
+  }
+  std::string data_;
+  std::string key_;
+};
+
+// Applies --registry and --locale; false after Fail(). Dates and
+// postcodes read the locale from the registry, coercion ProfileDir.
+bool PrepareRegistry(const FormatOptions& opts, Family family) {
+  const bool needed =
+      ((family == Family::kDate || family == Family::kPostCode) &&
+       opts.locale.empty()) ||
+      (family == Family::kNone && opts.coerce);
+  if (!UseRegistryFile(opts.registry_file, needed)) return false;
+  if (!opts.locale.empty()) {
+    const std::string locale = UCase(FromUtf8(opts.locale));
+    if (locale != "GB" && locale != "US" && locale != "JP") {
+      Fail("--locale takes GB, US or JP, not \"" + locale + "\"", 2);
+      return false;
+    }
+    static const LocaleOverlay* overlay = nullptr;
+    delete overlay;
+    overlay = new LocaleOverlay(locale);
+    registry_internal::UseBackend(overlay);
+  }
+  return true;
+}
 
 // The codes that have a format name, in the order the names are listed.
 constexpr std::array<int32_t, 14> kNamedCodes = {
@@ -79,46 +160,88 @@ std::string TypeLabel(int32_t code) {
 struct Answer {
   std::string input;
   bool valid = false;
-  std::string output;   // the normalised value; the input itself when checked
-  std::string message;  // why the value failed
-  std::string shown;    // what the text line shows after the tab
+  std::string output;    // the normalised value; the input itself when checked
+  std::string message;   // why the value failed
+  std::string shown;     // what the text line shows after the tab
+  bool changed = false;  // formatting changed the text
+  cRepairTrace trace;    // what formatting changed, and why
 };
 
-// Prints the answers (text lines or one JSON array) and sets a failing
-// exit status when any value failed.
-void Report(const std::vector<Answer>& answers, bool json) {
-  nlohmann::json all = nlohmann::json::array();
-  bool failed = false;
-  for (const Answer& a : answers) {
-    failed |= !a.valid;
-    if (json) {
-      all.push_back({{"input", Json(a.input)},
-                     {"valid", a.valid},
-                     {"output", Json(a.output)},
-                     {"message", Json(a.message)}});
-    } else {
+// Prints the answers as they come: a text line or a JSON line each, or
+// one JSON array at the end. Sets a failing exit status when any value
+// failed.
+class Reporter {
+ public:
+  explicit Reporter(const FormatOptions& opts) : opts_(opts) {}
+  ~Reporter() {
+    if (opts_.json && !opts_.json_lines) PrintJson(all_);
+    if (failed_ && ExitStatus() == 0) SetExitStatus(1);
+  }
+  Reporter(const Reporter&) = delete;
+  Reporter& operator=(const Reporter&) = delete;
+
+  void Add(const Answer& a) {
+    failed_ |= !a.valid;
+    if (!opts_.json && !opts_.json_lines) {
       PrintLine(a.input + "\t" + a.shown);
+      if (opts_.explain) PrintSteps(a.trace);
+      return;
+    }
+    nlohmann::json object = {
+        {"input", Json(a.input)},   {"valid", a.valid},
+        {"output", Json(a.output)}, {"message", Json(a.message)},
+        {"changed", a.changed},     {"steps", StepsJson(a.trace)}};
+    if (opts_.json_lines) {
+      PrintJsonLine(object);
+    } else {
+      all_.push_back(std::move(object));
     }
   }
-  if (json) PrintJson(all);
-  if (failed && ExitStatus() == 0) SetExitStatus(1);
-}
+
+ private:
+  const FormatOptions& opts_;
+  nlohmann::json all_ = nlohmann::json::array();
+  bool failed_ = false;
+};
 
 // Checks every value against the pattern `opts.spec`, as a field of a
 // data type without a formatter is checked; the chosen value is the output.
 void RunPattern(const FormatOptions& opts) {
+  if (!PrepareRegistry(opts, Family::kNone)) return;
   const std::string spec = FromUtf8(opts.spec);
-  std::vector<Answer> answers;
+  if (!CheckPatternSpec(spec)) return;
+  Reporter report(opts);
   for (const std::string& arg : opts.values) {
     Answer a;
     a.input = FromUtf8(arg);
-    a.valid =
-        ValidatePatternValue(a.input, spec, opts.coerce, a.output, a.message);
+    a.valid = ValidatePatternValue(a.input, spec, opts.coerce, a.output,
+                                   a.message, &a.trace);
     if (!a.valid) a.output.clear();
+    a.changed = a.valid && a.output != a.input;
     a.shown = a.valid ? a.output : a.message;
-    answers.push_back(std::move(a));
+    report.Add(a);
   }
-  Report(answers, opts.json);
+}
+
+// Formats `input` as the data type `code` of `family` does, recording the
+// steps in `trace` when it is given.
+bool FormatValue(int32_t code, Family family, const std::string& input,
+                 std::string& output, cRepairTrace* trace) {
+  const cFormat format;
+  switch (family) {
+    case Family::kAmount:
+      return format.FormatAmount(input, output, code, trace);
+    case Family::kNumeric:
+      return format.FormatNumeric(input, output, code, trace);
+    case Family::kDate: {
+      bool ok = false;
+      cPatternEngine().CoerceDate(input, output, format.FormatDescr(code), ok,
+                                  trace);
+      return ok;
+    }
+    default:
+      return format.FormatPostCode(input, output, code, trace);
+  }
 }
 
 void RunValidate(const FormatOptions& opts) {
@@ -132,13 +255,19 @@ void RunValidate(const FormatOptions& opts) {
          "their pattern: give it with --spec");
     return;
   }
-  std::string locale = FromUtf8(opts.locale);
-  if (locale.empty()) locale = ReadServerSetting(kLocaleValue, "GB");
+  if (!PrepareRegistry(opts, family)) return;
+  const std::string locale = ReadServerSetting(kLocaleValue, "GB");
   const cFormat format;
-  std::vector<Answer> answers;
+  Reporter report(opts);
   for (const std::string& arg : opts.values) {
     Answer a;
     a.input = FromUtf8(arg);
+    // Validation changes nothing; the trace shows what formatting the
+    // value would repair.
+    if (opts.explain || opts.json || opts.json_lines) {
+      std::string formatted;
+      FormatValue(*code, family, a.input, formatted, &a.trace);
+    }
     switch (family) {
       case Family::kAmount:
       case Family::kNumeric:
@@ -159,9 +288,8 @@ void RunValidate(const FormatOptions& opts) {
       if (family == Family::kDate) a.message += " for locale " + locale;
       a.shown = a.message;
     }
-    answers.push_back(std::move(a));
+    report.Add(a);
   }
-  Report(answers, opts.json);
 }
 
 void RunFormat(const FormatOptions& opts) {
@@ -174,37 +302,24 @@ void RunFormat(const FormatOptions& opts) {
          " has no formatting of its own; give its pattern with --spec");
     return;
   }
-  const cFormat format;
-  const cPatternEngine engine;
-  std::vector<Answer> answers;
+  if (!PrepareRegistry(opts, family)) return;
+  Reporter report(opts);
+  const bool traced = opts.explain || opts.json || opts.json_lines;
   for (const std::string& arg : opts.values) {
     Answer a;
     a.input = FromUtf8(arg);
-    switch (family) {
-      case Family::kAmount:
-        a.valid = format.FormatAmount(a.input, a.output, *code);
-        break;
-      case Family::kNumeric:
-        a.valid = format.FormatNumeric(a.input, a.output, *code);
-        break;
-      case Family::kDate:
-        engine.CoerceDate(a.input, a.output, format.FormatDescr(*code),
-                          a.valid);
-        break;
-      default:
-        a.valid = format.FormatPostCode(a.input, a.output, *code);
-        break;
-    }
+    a.valid = FormatValue(*code, family, a.input, a.output,
+                          traced ? &a.trace : nullptr);
     if (a.valid) {
+      a.changed = a.output != a.input;
       a.shown = a.output;
     } else {
       a.output.clear();
       a.message = "cannot be formatted as " + TypeLabel(*code);
       a.shown = a.message;
     }
-    answers.push_back(std::move(a));
+    report.Add(a);
   }
-  Report(answers, opts.json);
 }
 
 CLI::App* AddVerb(CLI::App& app, const char* name, const char* description,
@@ -228,10 +343,27 @@ CLI::App* AddVerb(CLI::App& app, const char* name, const char* description,
   cmd->add_flag("--coerce", opts.coerce,
                 "with --spec: try character-mapping variations of the value");
   cmd->add_flag("--json", opts.json,
-                "print a JSON array of {input, valid, output, message}");
+                "print a JSON array of {input, valid, output, message, "
+                "changed, steps}");
+  cmd->add_flag("--explain", opts.explain,
+                "print under each value the steps that changed or "
+                "interpreted it, each with its risk class (cosmetic, repair, "
+                "guess; docs/repair-trace.md)");
+  cmd->add_flag("--json-lines", opts.json_lines,
+                "print one JSON object {input, valid, output, message} per "
+                "line, each as soon as its value is done");
+  cmd->add_option("--locale", opts.locale,
+                  "date order: GB (day/month/year), US (month/day/year) or "
+                  "JP (year/month/day); default: the registry's "
+                  "HalvernLocale, else GB");
+  cmd->add_option("--registry", opts.registry_file,
+                  "machine-wide registry file naming HalvernLocale and "
+                  "ProfileDir (overrides PELINOR_REGISTRY)")
+      ->type_name("FILE");
   cmd->footer(
       "Prints one line per value: the value, a tab and the result or the "
-      "error text. Exits with status 1 when any value fails. With "
+      "error text. Exits with status 1 when any value fails, 2 for an "
+      "invalid --spec or --locale. With "
       "PELINORLOGFORMAT set, the format log lines are appended to that "
       "file. Rules: docs/formats/amounts.md and docs/formats/dates.md.");
   return cmd;
@@ -246,10 +378,6 @@ void AddFormatCommands(CLI::App& app) {
               "Check values as a field of a data type is checked: amounts and "
               "numerics, dates in the locale's order, UK postcodes",
               *validate_opts);
-  validate->add_option("--locale", validate_opts->locale,
-                       "date order: GB (day/month/year), US "
-                       "(month/day/year) or JP (year/month/day); default: "
-                       "the registry's HalvernLocale, else GB");
   validate->callback([validate_opts] { RunValidate(*validate_opts); });
 
   auto format_opts = std::make_shared<FormatOptions>();

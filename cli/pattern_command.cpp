@@ -9,6 +9,7 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "cli/repair_explain.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/pattern_engine.h"
 
@@ -26,14 +27,15 @@ struct PatternOptions {
   bool keep_surrounding = false;
   bool show_regex = false;
   bool json = false;
+  bool explain = false;
 };
 
 nlohmann::json ElementsJson(const cPatternEngine& engine) {
   nlohmann::json out = nlohmann::json::array();
   for (const cPatternElement& e : engine.Elements()) {
-    out.push_back({{"text", Json(e.Text)},
-                   {"optional", e.Optional},
-                   {"regex", Json(e.Expression)}});
+    out.push_back({{"Text", Json(e.Text)},
+                   {"Optional", e.Optional},
+                   {"Expression", Json(e.Expression)}});
   }
   return out;
 }
@@ -44,12 +46,12 @@ nlohmann::json CandidatesJson(const cPatternEngine& engine) {
     nlohmann::json matches = nlohmann::json::array();
     for (const cMatch& m : c.Matches) {
       matches.push_back({{"value", Json(m.value)},
-                         {"first_index", m.FirstIndex},
-                         {"length", m.Length}});
+                         {"FirstIndex", m.FirstIndex},
+                         {"Length", m.Length}});
     }
-    out.push_back({{"variation", Json(c.Variation)},
-                   {"text", Json(c.Text)},
-                   {"matches", matches}});
+    out.push_back({{"Variation", Json(c.Variation)},
+                   {"Text", Json(c.Text)},
+                   {"Matches", matches}});
   }
   return out;
 }
@@ -76,14 +78,15 @@ bool ShowRegex(const std::string& spec) {
 }
 
 void RunPattern(const PatternOptions& opts) {
-  if (!opts.registry_file.empty()) {
-    setenv("PELINOR_REGISTRY", opts.registry_file.c_str(), 1);
-  }
+  // Only coercion reads the registry (ProfileDir, where CharMap.txt is).
+  if (!UseRegistryFile(opts.registry_file, opts.coerce)) return;
   const std::string spec = FromUtf8(opts.spec);
   if (opts.texts.empty() && !opts.show_regex) {
-    Fail("give at least one TEXT (or --show-regex)");
+    Fail("give at least one TEXT (or --show-regex)", 2);
     return;
   }
+  // A bad specification is the caller's mistake, not a text that fails.
+  if (!CheckPatternSpec(spec)) return;
   if (opts.show_regex && !opts.json && !ShowRegex(spec)) return;
 
   nlohmann::json results = nlohmann::json::array();
@@ -94,9 +97,10 @@ void RunPattern(const PatternOptions& opts) {
     std::string value;
     std::string error;
     cPatternEngine engine;
+    cRepairTrace trace;
     const bool ok = EvaluatePatternWith(
         engine, text, spec, opts.coerce, !opts.keep_spaces, !opts.sub_pattern,
-        opts.keep_surrounding, value, error, opts.log_file);
+        opts.keep_surrounding, value, error, opts.log_file, &trace);
     all_ok = all_ok && ok;
     if (opts.json) {
       results.push_back({{"text", Json(original)},
@@ -105,9 +109,12 @@ void RunPattern(const PatternOptions& opts) {
                          {"value", Json(ok ? value : "")},
                          {"error", Json(error)},
                          {"variations", engine.VariationCount()},
+                         {"changed", ok && value != original},
+                         {"steps", StepsJson(trace)},
                          {"candidates", CandidatesJson(engine)}});
     } else if (ok) {
       PrintLine(value);
+      if (opts.explain) PrintSteps(trace);
     } else {
       Fail(original + ": " + error);
     }
@@ -165,6 +172,9 @@ void AddPatternCommand(CLI::App& app) {
       ->type_name("FILE");
   cmd->add_flag("--show-regex", opts->show_regex,
                 "print the regular expression and the elements first");
+  cmd->add_flag("--explain", opts->explain,
+                "print under each value the steps that changed it, each with "
+                "its risk class (docs/repair-trace.md)");
   cmd->add_flag("--json", opts->json,
                 "print the expression, elements, candidates and errors as "
                 "JSON");

@@ -119,7 +119,7 @@ void FailWith(std::string message, const std::string& file) {
   const size_t at = message.rfind(file);
   if (!file.empty() && at != std::string::npos &&
       at + file.size() == message.size()) {
-    message = message.substr(0, at) + FromUtf8(file);
+    message = message.substr(0, at) + PathText(file);
   }
   Fail(message);
 }
@@ -271,6 +271,8 @@ std::string ProfileName(const Options& opts) {
 }
 
 bool ReadProfile(const Options& opts, cProfile& profile) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kVersioned)) return false;
+  WarnIfUtf8(opts.file);
   std::string err;
   if (profile.ReadSettings(ProfileName(opts), opts.file, err)) return true;
   FailWith(err, opts.file);
@@ -290,11 +292,13 @@ void RunProfileWriteRecord(const Options& opts) {
     FailWith(err, opts.out);
     return;
   }
-  PrintLine("Wrote " + FromUtf8(opts.out) + " (record form, " +
+  PrintLine("Wrote " + PathText(opts.out) + " (record form, " +
             NumberText(profile.FieldTypes.Count()) + " field types)");
 }
 
 void RunDetectShow(const Options& opts) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kSectioned)) return;
+  WarnIfUtf8(opts.file);
   cTpDetectTypes detect;
   std::string err;
   if (!detect.ReadSettings(opts.file, err)) {
@@ -310,6 +314,8 @@ void RunDetectShow(const Options& opts) {
 }
 
 void RunScanShow(const Options& opts) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kSectioned)) return;
+  WarnIfUtf8(opts.file);
   cScanProfile scan;
   std::string err;
   if (!scan.ReadSettings(opts.file, err)) {
@@ -347,9 +353,10 @@ void AddProfileCommands(CLI::App& app) {
       "Read capture profiles: the settings form (version 0.91 and later) "
       "and the older record form");
   profile->footer(
-      "Exit status: 0 on success; 1 with the reader's message when the "
-      "profile cannot be read (\"Invalid version number\", \"Reading "
-      "profile. Unable to find ...\", \"Cannot find file ...\"). See "
+      "Exit status: 0 on success; 1 with the file's name and the reason "
+      "when the profile cannot be read: the system's reason, \"has no "
+      "version line\" for a file that is not a profile, or the reader's "
+      "message (\"Reading profile. Unable to find ...\"). See "
       "docs/formats/profile.md.");
   profile->require_subcommand(1);
   CLI::App* show = AddShow(

@@ -220,15 +220,32 @@ nlohmann::json EntriesJson(const Collection<EntryPtr>& entries, int limit) {
   return out;
 }
 
+// Reports a failed read or write of `file` with the library's message
+// and the system's reason.
+void FailOn(const std::string& file, const std::string& err) {
+  FailFile(file, err);
+}
+
 // Reads a queue file, or reports why it cannot be read.
 std::optional<cQueue> ReadQueue(const std::string& file) {
   cQueue q;
   std::string err;
+  ClearFileError();
   if (!q.ReadSettings(file, err)) {
-    Fail(FromUtf8(file) + ": " + err);
+    FailOn(file, err);
     return std::nullopt;
   }
+  WarnIfUtf8(file);
   return q;
+}
+
+// Prints entries one JSON object per line, up to `limit` (all when < 0).
+void PrintEntryLines(const Collection<EntryPtr>& entries, int limit) {
+  int n = 0;
+  for (const EntryPtr& e : entries) {
+    if (limit >= 0 && n++ >= limit) break;
+    PrintJsonLine(EntryJson(*e));
+  }
 }
 
 struct QueueOptions {
@@ -242,11 +259,16 @@ struct QueueOptions {
   std::string message;  // UTF-8
   int limit = -1;
   bool json = false;
+  bool json_lines = false;
 };
 
 void RunShow(const QueueOptions& o) {
   const auto q = ReadQueue(o.file);
   if (!q) return;
+  if (o.json_lines) {
+    PrintEntryLines(q->QueueEntries, -1);
+    return;
+  }
   if (o.json) {
     PrintJson({{"version", Json(q->Version)},
                {"count", q->QueueEntries.Count()},
@@ -326,7 +348,9 @@ void RunSelect(const QueueOptions& o) {
     current = ApplyStep(*current, step, time_mode);
     if (!current) return;
   }
-  if (o.json) {
+  if (o.json_lines) {
+    PrintEntryLines(current->QueueEntries, o.limit);
+  } else if (o.json) {
     PrintJson(EntriesJson(current->QueueEntries, o.limit));
   } else if (current->QueueEntries.Count() == 0) {
     PrintLine("No entries.");
@@ -341,7 +365,7 @@ void RunFind(const QueueOptions& o) {
   int32_t index = 0;
   EntryPtr entry;
   if (!q->Find(FromUtf8(o.doc_id), index, entry)) {
-    Fail("no entry " + FromUtf8(o.doc_id) + " in " + FromUtf8(o.file));
+    Fail("no entry " + FromUtf8(o.doc_id) + " in " + PathText(o.file));
     return;
   }
   if (o.json) {
@@ -360,22 +384,23 @@ void RunBuild(const QueueOptions& o) {
     auto entry = std::make_shared<cQueueEntry>();
     std::string err;
     if (!entry->ReadSettings(file, err)) {
-      Fail(FromUtf8(file) + ": " + err);
+      FailOn(file, err);
       return;
     }
     q.QueueEntries.Add(entry);
   }
   std::string err;
-  if (!q.WriteSettings(o.file, err)) Fail(FromUtf8(o.file) + ": " + err);
+  if (!q.WriteSettings(o.file, err)) FailOn(o.file, err);
 }
 
 void RunEntryShow(const QueueOptions& o) {
   cQueueEntry e;
   std::string err;
   if (!e.ReadSettings(o.file, err)) {
-    Fail(FromUtf8(o.file) + ": " + err);
+    FailOn(o.file, err);
     return;
   }
+  WarnIfUtf8(o.file);
   if (o.json) {
     PrintJson(EntryJson(e));
     return;
@@ -389,7 +414,7 @@ void RunEntryWrite(const QueueOptions& o) {
   cQueueEntry e;
   std::string err;
   if (!o.from.empty() && !e.ReadSettings(o.from, err)) {
-    Fail(FromUtf8(o.from) + ": " + err);
+    FailOn(o.from, err);
     return;
   }
   for (const std::string& set : o.sets) {
@@ -406,7 +431,7 @@ void RunEntryWrite(const QueueOptions& o) {
   }
   // A failed record still answers true, with its message and no file.
   if (!e.WriteSettings(o.file, err) || !err.empty()) {
-    Fail(FromUtf8(o.file) + ": " + err);
+    FailOn(o.file, err);
   }
 }
 
@@ -415,9 +440,10 @@ void RunRejectShow(const QueueOptions& o) {
   std::string message;
   std::string err;
   if (!e.ReadRejectMessage(message, o.file, err)) {
-    Fail(FromUtf8(o.file) + ": " + err);
+    FailOn(o.file, err);
     return;
   }
+  WarnIfUtf8(o.file);
   if (o.json) {
     PrintJson({{"version", Json(e.Version)}, {"message", Json(message)}});
   } else {
@@ -428,7 +454,7 @@ void RunRejectShow(const QueueOptions& o) {
 void RunRejectWrite(const QueueOptions& o) {
   std::string err;
   if (!cQueueEntry().WriteRejectMessage(FromUtf8(o.message), o.file, err)) {
-    Fail(FromUtf8(o.file) + ": " + err);
+    FailOn(o.file, err);
   }
 }
 
@@ -447,6 +473,8 @@ void AddQueueCommand(CLI::App& app) {
       "show", "Print a queue file's version and entries, in file order");
   show->add_option("FILE", o->file, "queue file")->required();
   show->add_flag("--json", o->json, "print the version and every property");
+  show->add_flag("--json-lines", o->json_lines,
+                 "print each entry as one JSON object per line");
   show->callback([o] { RunShow(*o); });
 
   CLI::App* select = queue->add_subcommand(
@@ -470,6 +498,8 @@ void AddQueueCommand(CLI::App& app) {
   select->add_option("--limit", o->limit,
                      "print only the first N entries (the next to take)");
   select->add_flag("--json", o->json, "print the entries as a JSON array");
+  select->add_flag("--json-lines", o->json_lines,
+                   "print each entry as one JSON object per line");
   select->footer(
       "Example: what a capture worker takes next, oldest least processed "
       "first:\n  pelinor queue select examples/queue/queue.txt --for capture "

@@ -1,6 +1,7 @@
 // The "registry" verbs: read, write, delete and list the machine-wide and
 // per-user settings that cRegistry keeps.
 
+#include <cerrno>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -8,6 +9,7 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "core/reg_file_store.h"
 #include "pelinor/registry.h"
 #include "pelinor/text.h"
 
@@ -54,10 +56,45 @@ std::optional<int32_t> ParseHive(const std::string& text) {
   return std::nullopt;
 }
 
+// Checks the store file of `hive` before a verb uses it: a file that is not
+// a registry export is never read as an empty store nor replaced, and a
+// missing file is an error unless the verb may create it. False after
+// Fail().
+bool CheckStore(int32_t hive, bool may_create) {
+  using registry_internal::StoreFileState;
+  const std::string file = hive == kHkeyLocalMachine
+                               ? registry_internal::MachineStorePath()
+                               : registry_internal::UserStorePath();
+  if (file.empty()) {
+    Fail("no per-user registry file: set PELINOR_USER_REGISTRY or HOME");
+    return false;
+  }
+  int error = 0;
+  switch (registry_internal::InspectStoreFile(file, &error)) {
+    case StoreFileState::kReady:
+      return true;
+    case StoreFileState::kMissing:
+      if (may_create) return true;
+      FailFile(file, "cannot read registry file", ENOENT);
+      return false;
+    case StoreFileState::kForeign:
+      FailFile(file,
+               "not a registry file (no \"Windows Registry Editor Version "
+               "5.00\" header); left unchanged",
+               0);
+      return false;
+    case StoreFileState::kUnreadable:
+      break;
+  }
+  FailFile(file, "cannot read registry file", error);
+  return false;
+}
+
 // Points the library at the stores named on the command line, then reads
-// the setting's address from the arguments. Nothing (after Fail()) for an
-// unknown hive.
-std::optional<Setting> Prepare(const RegistryOptions& opts) {
+// the setting's address from the arguments and checks the hive's store
+// file. Nothing (after Fail()) for an unknown hive or an unusable store.
+std::optional<Setting> Prepare(const RegistryOptions& opts,
+                               bool may_create = false) {
   if (!opts.machine_file.empty()) {
     setenv("PELINOR_REGISTRY", opts.machine_file.c_str(), 1);
   }
@@ -66,9 +103,10 @@ std::optional<Setting> Prepare(const RegistryOptions& opts) {
   }
   const auto hive = ParseHive(opts.hive);
   if (!hive) {
-    Fail("unknown hive \"" + FromUtf8(opts.hive) + "\": use HKLM or HKCU");
+    Fail("unknown hive \"" + PathText(opts.hive) + "\": use HKLM or HKCU", 2);
     return std::nullopt;
   }
+  if (!CheckStore(*hive, may_create)) return std::nullopt;
   return Setting{*hive, FromUtf8(opts.application), FromUtf8(opts.section),
                  FromUtf8(opts.key)};
 }
@@ -107,13 +145,15 @@ void RunGet(const RegistryOptions& opts) {
 }
 
 void RunSet(const RegistryOptions& opts) {
-  const auto s = Prepare(opts);
+  const auto s = Prepare(opts, true);
   if (!s) return;
   const int32_t status = cRegistry().RegSaveValue(
       s->hive, s->application, s->section, s->key, FromUtf8(opts.value));
   if (status != 0) {
-    Fail("cannot save " + s->key + " in " + s->Location() + " (status " +
-         std::to_string(status) + ")");
+    const std::string file = s->hive == kHkeyLocalMachine
+                                 ? registry_internal::MachineStorePath()
+                                 : registry_internal::UserStorePath();
+    FailFile(file, "cannot save " + s->key + " in " + s->Location());
   }
 }
 
@@ -169,7 +209,10 @@ void AddRegistryCommand(CLI::App& app) {
       "Without a system registry the settings live in registry files: "
       "$PELINOR_REGISTRY (default /etc/pelinor/registry.reg) for HKLM and "
       "$PELINOR_USER_REGISTRY (default ~/.config/pelinor/registry.reg) for "
-      "HKCU. See docs/formats/registry-file.md.");
+      "HKCU. A store file that is not a registry export (no \"Windows "
+      "Registry Editor Version 5.00\" line) is refused and left unchanged; "
+      "a missing one is an error except for set, which creates it. See "
+      "docs/formats/registry-file.md.");
   registry->require_subcommand(1);
   registry->fallthrough();
   registry
@@ -184,7 +227,7 @@ void AddRegistryCommand(CLI::App& app) {
       ->type_name("FILE");
 
   CLI::App* get = registry->add_subcommand(
-      "get", "Print a setting, or the default when it cannot be read");
+      "get", "Print a setting, or the default when it is missing");
   AddAddress(*get, *opts, true);
   get->add_option("--default", opts->default_value,
                   "text printed when the setting is missing (default: "

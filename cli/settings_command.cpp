@@ -5,6 +5,7 @@
 // Format: see docs/formats/settings-files.md.
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +13,7 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "pelinor/file_system.h"
 #include "pelinor/ini_file.h"
 #include "pelinor/numeric.h"
 
@@ -34,10 +36,14 @@ struct SettingsOptions {
 // library's only message names the file, which is shown as typed.
 bool FailedToOpen(const std::string& err, const std::string& file) {
   if (err.empty()) return false;
+  if (!FileExists(file)) {
+    FailFile(file, "cannot read", ENOENT);
+    return true;
+  }
   std::string message = err;
   if (message.size() >= file.size() &&
       message.compare(message.size() - file.size(), file.size(), file) == 0) {
-    message = message.substr(0, message.size() - file.size()) + FromUtf8(file);
+    message = message.substr(0, message.size() - file.size()) + PathText(file);
   }
   Fail(message);
   return true;
@@ -57,7 +63,7 @@ bool RequireSection(cIniFile& ini, const SettingsOptions& opts,
 }
 
 nlohmann::json FileJson(const SettingsOptions& opts) {
-  return Json(FromUtf8(opts.file));
+  return Json(PathText(opts.file));
 }
 
 // A numeric --default, or the type's zero; nothing (after Fail()) when the
@@ -75,6 +81,7 @@ std::optional<T> NumericDefault(const SettingsOptions& opts, Convert convert) {
 }
 
 void RunGet(const SettingsOptions& opts) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kSectioned)) return;
   cIniFile ini;
   std::string err;
   const std::string section = FromUtf8(opts.section);
@@ -123,6 +130,7 @@ void RunGet(const SettingsOptions& opts) {
 }
 
 void RunSection(const SettingsOptions& opts) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kSectioned)) return;
   cIniFile ini;
   const std::string section = FromUtf8(opts.section);
   if (!RequireSection(ini, opts, section)) return;
@@ -142,6 +150,7 @@ void RunSection(const SettingsOptions& opts) {
 }
 
 void RunStates(const SettingsOptions& opts) {
+  if (!CheckConfigurationFile(opts.file, ConfigForm::kSectioned)) return;
   cIniFile ini;
   if (!RequireSection(ini, opts, "States")) return;
   std::string err;
@@ -192,10 +201,11 @@ void AddSettingsCommand(CLI::App& app) {
       "Read sectioned settings files (\"[Section]\" lines followed by "
       "\"Name:Value\" records), such as capture profiles");
   settings->footer(
-      "Exit status: 0 on success; 1 when the file cannot be found (\"Cannot "
-      "find file ...\") or, for section and states, when the section is not "
-      "in the file (\"Section not found: ...\"); 2 for a --default that is "
-      "not a number of the --type asked for. Section and setting names are "
+      "Exit status: 0 on success; 1 when the file cannot be read or is not "
+      "a settings file (a directory, empty, binary, without any "
+      "\"[Section]\" line) or, for section and states, when the section is "
+      "not in the file (\"Section not found: ...\"); 2 for a --default that "
+      "is not a number of the --type asked for. Section and setting names are "
       "compared ignoring case. See docs/formats/settings-files.md.");
   settings->require_subcommand(1);
 

@@ -9,4 +9,6 @@ set(PELINOR_CLI_SOURCES
   cli/profile_command.cpp
   cli/template_command.cpp
   cli/capture_command.cpp
+  cli/completion.cpp
+  cli/repair_explain.cpp
 )

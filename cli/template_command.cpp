@@ -173,21 +173,21 @@ void PrintText(const json& object, const std::string& indent) {
     const std::string label = indent + key;
     if (v.is_string()) {
       const std::string s = v.get<std::string>();
-      std::cout << label << (s.empty() ? ":" : ": " + s) << "\n";
+      WriteStdout(label + (s.empty() ? ":" : ": " + s) + "\n");
     } else if (v.is_array()) {
-      std::cout << label << " (" << v.size() << ")" << (v.empty() ? "" : ":")
-                << "\n";
+      WriteStdout(label + " (" + std::to_string(v.size()) + ")" +
+                  (v.empty() ? "" : ":") + "\n");
       size_t i = 0;
       for (const auto& item : v) {
         if (item.is_object()) {
-          std::cout << indent << "  [" << ++i << "]\n";
+          WriteStdout(indent + "  [" + std::to_string(++i) + "]\n");
           PrintText(item, indent + "    ");
         } else {
-          std::cout << indent << "  - " << item.dump() << "\n";
+          WriteStdout(indent + "  - " + item.dump() + "\n");
         }
       }
     } else {
-      std::cout << label << ": " << v.dump() << "\n";
+      WriteStdout(label + ": " + v.dump() + "\n");
     }
   }
 }
@@ -202,21 +202,26 @@ std::string ProfileName(const std::string& file) {
 }
 
 bool ReadTemplate(const std::string& typed, cTemplate& t) {
+  if (!CheckConfigurationFile(typed, ConfigForm::kVersioned)) return false;
+  WarnIfUtf8(typed);
   std::string err;
-  const std::string file = FromUtf8(typed);
-  if (t.ReadSettings(file, err)) return true;
-  Fail(err);
+  ClearFileError();
+  if (t.ReadSettings(typed, err)) return true;
+  FailFile(typed, err);
   return false;
 }
 
 // Sets the profile named by --profile, if any, as the template's.
 bool SetProfile(const Options& opts, cTemplate& t) {
   if (opts.profile.empty()) return true;
+  if (!CheckConfigurationFile(opts.profile, ConfigForm::kVersioned)) {
+    return false;
+  }
   auto profile = std::make_shared<cProfile>();
   std::string err;
-  if (!profile->ReadSettings(ProfileName(opts.profile), FromUtf8(opts.profile),
-                             err)) {
-    Fail(err);
+  ClearFileError();
+  if (!profile->ReadSettings(ProfileName(opts.profile), opts.profile, err)) {
+    FailFile(opts.profile, err);
     return false;
   }
   t.Profile = profile;
@@ -229,7 +234,7 @@ void RunShow(const Options& opts) {
   const json described = Describe(*t);
   if (opts.json) {
     // As PrintJson() prints, with the keys in property order.
-    std::cout << described.dump(2) << "\n";
+    WriteStdout(described.dump(2) + "\n");
   } else {
     PrintText(described, "");
   }
@@ -251,13 +256,13 @@ void RunUpgrade(const Options& opts) {
     t->LineDataEntitySpaceMax(t->LineDataEntitySpaceMax());
   }
   std::string err;
-  const std::string out = FromUtf8(opts.out);
-  if (!t->WriteSettings(out, err)) {
-    Fail(err);
+  ClearFileError();
+  if (!t->WriteSettings(opts.out, err)) {
+    FailFile(opts.out, err);
     return;
   }
-  std::cout << "Wrote " << opts.out << " (" << kVersionLine
-            << ", read from version " << t->Version << ")\n";
+  WriteStdout("Wrote " + opts.out + " (" + kVersionLine +
+              ", read from version " + ToUtf8(t->Version) + ")\n");
 }
 
 }  // namespace

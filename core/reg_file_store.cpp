@@ -298,6 +298,46 @@ std::optional<std::string> CanonicalKeyPath(std::string_view path) {
 // ---------------------------------------------------------------------------
 // The file
 
+bool IsRegistryText(std::string_view bytes) {
+  if (bytes.empty()) return true;
+  const bool utf16 =
+      bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE';
+  if (!utf16 && bytes.find('\0') != std::string_view::npos) return false;
+  const std::string text = DecodeFile(bytes);
+  if (utf16 && text.find('\0') != std::string::npos) return false;
+  if (text.empty()) return true;  // a byte-order mark alone
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t end = text.find_first_of("\r\n", pos);
+    if (end == std::string::npos) end = text.size();
+    const std::string_view line =
+        TrimBlanks(std::string_view(text).substr(pos, end - pos));
+    if (!line.empty()) return line == kHeader5 || line == kHeader4;
+    pos = end + 1;
+  }
+  return false;
+}
+
+StoreFileState InspectStoreFile(const std::string& file, int* error) {
+  std::error_code ec;
+  (void)std::filesystem::status(file, ec);
+  if (ec) {
+    if (ec == std::errc::no_such_file_or_directory) {
+      return StoreFileState::kMissing;
+    }
+    if (error != nullptr) *error = ec.value();
+    return StoreFileState::kUnreadable;
+  }
+  TextReader reader;
+  ClearFileError();
+  if (!reader.Open(file)) {
+    if (error != nullptr) *error = LastFileError();
+    return StoreFileState::kUnreadable;
+  }
+  return IsRegistryText(reader.Data()) ? StoreFileState::kReady
+                                       : StoreFileState::kForeign;
+}
+
 RegFile RegFile::Parse(std::string_view bytes) {
   TextReader reader;
   reader.OpenText(DecodeFile(bytes));
@@ -513,13 +553,15 @@ std::string FullPath(const Location& loc, std::string_view key_path) {
 }
 
 // Reads the store; a missing file is an empty store. False when the file
-// exists but cannot be read.
-bool LoadStore(const std::string& file, RegFile& contents) {
+// exists but cannot be read, or, when the contents are read to be changed
+// and written back, when it is not a registry export: a change never
+// replaces a file that is not the store's own. Reads stay lenient and take
+// whatever lines parse.
+bool LoadStore(const std::string& file, RegFile& contents, bool for_change) {
   TextReader reader;
-  if (!reader.Open(file)) {
-    contents = RegFile();
-    return !FileExists(file);
-  }
+  contents = RegFile();
+  if (!reader.Open(file)) return !FileExists(file);
+  if (for_change && !IsRegistryText(reader.Data())) return false;
   contents = RegFile::Parse(reader.Data());
   return true;
 }
@@ -552,7 +594,7 @@ std::shared_ptr<const RegFile> ReadStore(const std::string& file) {
     if (it != cache->end() && same(it->second.st)) return it->second.contents;
   }
   auto contents = std::make_shared<RegFile>();
-  LoadStore(file, *contents);  // an unreadable store reads as empty
+  LoadStore(file, *contents, false);  // an unreadable store reads as empty
   std::lock_guard<std::mutex> lock(mu);
   if (cache->size() >= 16) cache->clear();
   (*cache)[file] = Entry{st, contents};
@@ -602,7 +644,7 @@ Outcome Modify(const std::string& file, Change&& change) {
   StoreLock lock(file);
   if (!lock.held()) return Outcome::kNoStore;
   RegFile contents;
-  if (!LoadStore(file, contents)) return Outcome::kNoStore;
+  if (!LoadStore(file, contents, true)) return Outcome::kNoStore;
   if (!change(contents)) return Outcome::kDone;
   TextWriter writer;
   if (!writer.Create(file)) return Outcome::kNotWritten;

@@ -101,6 +101,15 @@ class RegistryBackend {
 // registry-file store elsewhere.
 const RegistryBackend& SystemBackend();
 
+// UseBackend()
+//
+// Makes every registry call of this process go to `backend` (nullptr: back
+// to SystemBackend()). For programs that lay a value over the stores, such
+// as a locale given on the command line, and for tests.
+// REQUIRES: `backend` outlives its use; no registry call runs concurrently
+// with the switch.
+void UseBackend(const RegistryBackend* backend);
+
 // MachineStorePath()
 // UserStorePath()
 //
@@ -111,6 +120,29 @@ const RegistryBackend& SystemBackend();
 // when no home directory can be found.
 std::string MachineStorePath();
 std::string UserStorePath();
+
+// IsRegistryText()
+//
+// True when `bytes` are a registry export this store may replace: empty,
+// or text without NUL bytes (UTF-16LE with its byte-order mark, or single
+// bytes after an optional UTF-8 byte-order mark) whose first non-blank line
+// is "Windows Registry Editor Version 5.00" or "REGEDIT4". Anything else
+// (a settings file, a binary file) is someone else's file and is never
+// overwritten.
+bool IsRegistryText(std::string_view bytes);
+
+enum class StoreFileState {
+  kMissing,     // no file at that path
+  kReady,       // a registry file (or an empty file)
+  kForeign,     // a file that is not a registry export
+  kUnreadable,  // cannot be opened or read (a directory, no permission)
+};
+
+// InspectStoreFile()
+//
+// What is at `file`. For kUnreadable, `*error` (when given) receives the
+// system error number.
+StoreFileState InspectStoreFile(const std::string& file, int* error = nullptr);
 
 // One value of a registry file: raw bytes and type, with the comment lines
 // written above it.

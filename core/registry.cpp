@@ -5,11 +5,26 @@
 
 #include "pelinor/registry.h"
 
+#include <atomic>
+
 #include "pelinor/file_system.h"
 #include "pelinor/settings_snapshot.h"
 #include "reg_file_store.h"
 
 namespace pelinor {
+namespace registry_internal {
+namespace {
+
+std::atomic<const RegistryBackend*> backend_in_use{nullptr};
+
+}  // namespace
+
+void UseBackend(const RegistryBackend* backend) {
+  backend_in_use.store(backend);
+}
+
+}  // namespace registry_internal
+
 namespace {
 
 using registry_internal::QueryResult;
@@ -26,7 +41,9 @@ constexpr int32_t kStatusWriteFailed = -10;
 constexpr int32_t kInvalidProcedureCall = 5;
 
 const registry_internal::RegistryBackend& Backend() {
-  return registry_internal::SystemBackend();
+  const registry_internal::RegistryBackend* chosen =
+      registry_internal::backend_in_use.load();
+  return chosen != nullptr ? *chosen : registry_internal::SystemBackend();
 }
 
 int32_t SetStatus(SetResult result) {

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -22,6 +23,68 @@ namespace {
 
 constexpr size_t kFlushSize = 1 << 16;
 constexpr size_t kMapThreshold = 1 << 20;
+
+thread_local int last_file_error = 0;
+
+void NoteFileError(int error) {
+  if (error != 0) last_file_error = error;
+}
+
+// The temporary files of writes in flight, readable from a signal handler:
+// fixed storage, and a state per slot that the handler only loads. A slot
+// is claimed (kFilling) while its path is copied in and released only after
+// the temporary file is renamed or removed, so the handler never reads a
+// half-copied path and at worst unlinks a name that no longer exists.
+constexpr int kTempSlots = 256;
+constexpr size_t kTempPathMax = 4096;
+enum : int { kSlotFree = 0, kSlotFilling = 1, kSlotLive = 2 };
+std::atomic<int> temp_slot_state[kTempSlots];
+char temp_slot_path[kTempSlots][kTempPathMax];
+
+// Claims a slot for a path of `size` bytes; -1 when none is free.
+int ClaimTempSlot(size_t size) {
+  if (size >= kTempPathMax) return -1;
+  for (int i = 0; i < kTempSlots; ++i) {
+    int expected = kSlotFree;
+    if (temp_slot_state[i].compare_exchange_strong(expected, kSlotFilling)) {
+      return i;
+    }
+  }
+  return -1;
+}
+
+void ListTempFile(int slot, const std::string& path) {
+  if (slot < 0) return;
+  std::memcpy(temp_slot_path[slot], path.c_str(), path.size() + 1);
+  temp_slot_state[slot].store(kSlotLive);
+}
+
+void UnlistTempFile(int slot) {
+  if (slot >= 0) temp_slot_state[slot].store(kSlotFree);
+}
+
+// Follows symbolic links from `path` to the file they name (at most 40, as
+// the system does), so that writing replaces the target, not the link. A
+// dangling link gives the path it points to, which the write then creates.
+std::string ResolveLinks(const std::string& path) {
+  std::string current = path;
+  for (int hops = 0; hops < 40; ++hops) {
+    struct stat st;
+    if (::lstat(current.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) break;
+    std::string target(static_cast<size_t>(st.st_size) + 1, '\0');
+    ssize_t n = ::readlink(current.c_str(), target.data(), target.size());
+    if (n <= 0 || static_cast<size_t>(n) >= target.size()) break;
+    target.resize(static_cast<size_t>(n));
+    if (target[0] != '/') {
+      const size_t slash = current.find_last_of('/');
+      if (slash != std::string::npos) {
+        target = current.substr(0, slash + 1) + target;
+      }
+    }
+    current = std::move(target);
+  }
+  return current;
+}
 
 void DropNuls(std::string& s) {
   if (std::memchr(s.data(), '\0', s.size()) == nullptr) return;
@@ -72,9 +135,18 @@ TextReader& TextReader::operator=(TextReader&& other) noexcept {
 bool TextReader::Open(const std::string& path) {
   Close();
   int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return false;
+  if (fd < 0) {
+    NoteFileError(errno);
+    return false;
+  }
   struct stat st;
-  if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+  if (::fstat(fd, &st) != 0) {
+    NoteFileError(errno);
+    ::close(fd);
+    return false;
+  }
+  if (!S_ISREG(st.st_mode)) {
+    NoteFileError(S_ISDIR(st.st_mode) ? EISDIR : EINVAL);
     ::close(fd);
     return false;
   }
@@ -348,25 +420,46 @@ TextWriter::~TextWriter() { Abandon(); }
 
 bool TextWriter::Create(const std::string& path) {
   Abandon();
-  target_ = path;
-  size_t slash = path.find_last_of('/');
-  std::string dir = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-  std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
-  temp_ = dir + "." + base + ".tmp-XXXXXX";
-  fd_ = ::mkstemp(temp_.data());
-  if (fd_ < 0) {
-    temp_.clear();
-    ok_ = false;
+  error_ = 0;
+  target_ = ResolveLinks(path);
+  struct stat st;
+  const bool exists = ::stat(target_.c_str(), &st) == 0;
+  if (exists && S_ISDIR(st.st_mode)) {
+    Fail(EISDIR);
     return false;
   }
+  size_t slash = target_.find_last_of('/');
+  std::string dir =
+      slash == std::string::npos ? "" : target_.substr(0, slash + 1);
+  std::string base =
+      slash == std::string::npos ? target_ : target_.substr(slash + 1);
+  temp_ = dir + "." + base + ".tmp-XXXXXX";
+  // The slot is claimed first so that the file is listed a few
+  // instructions after it exists.
+  slot_ = ClaimTempSlot(temp_.size());
+  fd_ = ::mkstemp(temp_.data());
+  if (fd_ < 0) {
+    const int error = errno;
+    UnlistTempFile(slot_);
+    slot_ = -1;
+    temp_.clear();
+    Fail(error);
+    return false;
+  }
+  ListTempFile(slot_, temp_);
   // mkstemp creates the file private; give it the target's permissions, or
   // the usual ones for a new file.
-  struct stat st;
-  mode_t mode = ::stat(path.c_str(), &st) == 0 ? (st.st_mode & 07777) : 0644;
+  mode_t mode = exists ? (st.st_mode & 07777) : 0644;
   ::fchmod(fd_, mode);
   ok_ = true;
   buffer_.clear();
   return true;
+}
+
+void TextWriter::Fail(int error) {
+  ok_ = false;
+  if (error_ == 0) error_ = error;
+  NoteFileError(error);
 }
 
 void TextWriter::Flush() {
@@ -375,7 +468,7 @@ void TextWriter::Flush() {
     ssize_t n = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
     if (n < 0 && errno == EINTR) continue;
     if (n <= 0) {
-      ok_ = false;
+      Fail(n < 0 ? errno : EIO);
       break;
     }
     done += static_cast<size_t>(n);
@@ -385,7 +478,7 @@ void TextWriter::Flush() {
 
 void TextWriter::Write(std::string_view text) {
   if (fd_ < 0) {
-    ok_ = false;
+    Fail(EBADF);
     return;
   }
   buffer_.append(text);
@@ -411,13 +504,18 @@ void TextWriter::WriteItems(std::initializer_list<ItemValue> items) {
 bool TextWriter::Commit() {
   if (fd_ < 0) return false;
   Flush();
-  if (::close(fd_) != 0) ok_ = false;
+  if (::close(fd_) != 0) Fail(errno);
   fd_ = -1;
   if (ok_ && ::rename(temp_.c_str(), target_.c_str()) == 0) {
+    UnlistTempFile(slot_);
+    slot_ = -1;
     temp_.clear();
     return true;
   }
+  if (ok_) Fail(errno);
   ::unlink(temp_.c_str());
+  UnlistTempFile(slot_);
+  slot_ = -1;
   temp_.clear();
   ok_ = false;
   return false;
@@ -432,8 +530,20 @@ void TextWriter::Abandon() {
     ::unlink(temp_.c_str());
     temp_.clear();
   }
+  UnlistTempFile(slot_);
+  slot_ = -1;
   buffer_.clear();
   ok_ = false;
+}
+
+int LastFileError() { return last_file_error; }
+
+void ClearFileError() { last_file_error = 0; }
+
+void RemoveTemporaryFiles() {
+  for (int i = 0; i < kTempSlots; ++i) {
+    if (temp_slot_state[i].load() == kSlotLive) ::unlink(temp_slot_path[i]);
+  }
 }
 
 }  // namespace pelinor

@@ -7,10 +7,13 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "pelinor/format.h"
 #include "pelinor/log.h"
 #include "pelinor/numeric.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/text.h"
 
 namespace pelinor {
@@ -52,7 +55,50 @@ void ApplySign(std::string& result) {
   if (negative) result.insert(result.begin(), '-');
 }
 
-bool FormatLogOn() { return !FormatLogPath().empty(); }
+bool FormatLogOn() { return FormatLogWanted(); }
+
+// The trace a routine records into: the caller's, or `local` when only
+// the format log wants the steps; null when nobody does.
+cRepairTrace* TraceFor(cRepairTrace* trace, cRepairTrace& local, bool log) {
+  if (trace != nullptr) return trace;
+  return log ? &local : nullptr;
+}
+
+std::string Quoted(char c) {
+  if (c == ' ') return "space";
+  return std::string(1, c);
+}
+
+bool IsCurrencySign(char c) {
+  return c == '$' || c == '\xA3' || c == '\x80' || c == '\xA5';
+}
+
+// A look-alike read as a digit is a repair when a digit stands next to it
+// and a guess when it stands among letters.
+RiskClass BiasRisk(std::string_view text, size_t i) {
+  const bool before = i > 0 && IsDigit(text[i - 1]);
+  const bool after = i + 1 < text.size() && IsDigit(text[i + 1]);
+  return before || after ? RiskClass::kRepair : RiskClass::kGuess;
+}
+
+void TraceBias(cRepairTrace* t, std::string_view text, size_t i, char biased,
+               int32_t position) {
+  t->AddWithRisk("bias-digit", BiasRisk(text, i),
+                 Quoted(text[i]) + " read as " + biased + " at position " +
+                     std::to_string(position),
+                 position, std::string(1, text[i]), std::string(1, biased));
+}
+
+// Records what ApplySign() is about to do with `result`.
+void TraceSign(cRepairTrace* t, const std::string& result) {
+  if (t == nullptr) return;
+  if (!result.empty() && result.back() == '-' && result.size() > 1) {
+    std::string moved(1, '-');
+    moved.append(result, 0, result.size() - 1);
+    t->Add("sign-moved", "trailing - taken as a negative sign", 0, result,
+           std::move(moved));
+  }
+}
 
 }  // namespace
 
@@ -72,8 +118,11 @@ bool cFormat::ValidateAmount(const std::string& value) const {
 }
 
 bool cFormat::FormatAmount(const std::string& value, std::string& out,
-                           int32_t code) const {
+                           int32_t code, cRepairTrace* trace) const {
   const bool log = FormatLogOn();
+  cRepairTrace local;
+  cRepairTrace* t = TraceFor(trace, local, log);
+  const size_t first = t != nullptr ? t->Size() : 0;
   if (log) LogFormatMessage("FormatAmount:" + value);
   bool gbMode = true;
   bool trustPoint = false;
@@ -95,19 +144,42 @@ bool cFormat::FormatAmount(const std::string& value, std::string& out,
       break;
   }
   const bool ok =
-      FormatCurrencyValue(value, out, gbMode, countryText, trustPoint);
+      FormatCurrencyValue(value, out, gbMode, countryText, trustPoint, t);
   if (log) LogFormatMessage("FormatAmount>:" + out);
+  if (ok && log && t != nullptr) LogRepairSteps(*t, first);
   return ok;
 }
 
 bool cFormat::FormatCurrencyValue(const std::string& value, std::string& out,
                                   bool gbMode, const std::string& countryText,
-                                  bool trustPoint) const {
+                                  bool trustPoint, cRepairTrace* trace) const {
   std::string work = value;
-  if (!countryText.empty()) RemoveSubstring(work, countryText);
+  AmountScan scan;
+  std::vector<int32_t>& origin = scan.origin;
+  if (trace == nullptr) {
+    if (!countryText.empty()) RemoveSubstring(work, countryText);
+  } else {
+    // The same removal, keeping where each remaining character came from.
+    for (size_t i = 0; i < value.size(); ++i) {
+      origin.push_back(static_cast<int32_t>(i + 1));
+    }
+    for (size_t at; !countryText.empty() &&
+                    (at = work.find(countryText)) != std::string::npos;) {
+      trace->Add(
+          "country-removed",
+          countryText + " removed at position " + std::to_string(origin[at]),
+          origin[at], countryText, "");
+      work.erase(at, countryText.size());
+      origin.erase(origin.begin() + static_cast<std::ptrdiff_t>(at),
+                   origin.begin() +
+                       static_cast<std::ptrdiff_t>(at + countryText.size()));
+    }
+  }
   out.clear();
-  const bool ok = FormatNumericCurrency(work, out, gbMode, trustPoint);
+  const bool ok = FormatNumericCurrency(work, out, gbMode, trustPoint, trace,
+                                        trace != nullptr ? &scan : nullptr);
   if (!trustPoint && ok) {
+    const std::string digits = out;
     // Two implied decimals; a single digit gets ".00" instead, so "5" reads
     // as 5.00 while "45" reads as .45.
     if (out.size() >= 2) {
@@ -115,18 +187,52 @@ bool cFormat::FormatCurrencyValue(const std::string& value, std::string& out,
     } else if (out.size() == 1) {
       out += ".00";
     }
+    if (trace != nullptr) {
+      TraceImpliedDecimals(scan.decimals, digits, out, *trace);
+    }
   }
   return ok;
 }
 
+void cFormat::TraceImpliedDecimals(int32_t decimals, const std::string& digits,
+                                   const std::string& out,
+                                   cRepairTrace& trace) {
+  if (digits.size() == 1) {
+    trace.Add("whole-units", "a single digit read as whole units", 0, digits,
+              out);
+    return;
+  }
+  // A point read with two digits after it is where the implied point
+  // goes: nothing was decided.
+  if (digits.size() < 2 || decimals == 2) return;
+  if (decimals >= 0) {
+    trace.Add("point-moved",
+              "decimal point ignored, last two digits taken as pence", 0,
+              digits, out);
+    return;
+  }
+  trace.Add("implied-decimals",
+            "no decimal point, last two digits taken as pence", 0, digits, out);
+}
+
 bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
-                                    bool gbMode, bool trustPoint) const {
+                                    bool gbMode, bool trustPoint,
+                                    cRepairTrace* t, AmountScan* scan) const {
   const bool log = FormatLogOn();
   if (log) LogFormatMessage("--> FormatNumericCurrency: " + value);
   std::string_view text = Trim(value);
+  // One-based position in the caller's text of text[i].
+  const size_t trimmed = static_cast<size_t>(text.data() - value.data());
+  const auto where = [&](size_t i) {
+    const size_t k = trimmed + i;
+    return scan != nullptr && k < scan->origin.size()
+               ? scan->origin[k]
+               : static_cast<int32_t>(k + 1);
+  };
 
   // A leading one-look-alike is kept only when a number follows it;
   // otherwise it is more likely a stray mark (a bar or a currency glyph).
+  size_t skipped = 0;
   if (!text.empty()) {
     const char first = text.front();
     if (first == '1' || first == '!' || first == '|' || first == 'l') {
@@ -138,7 +244,13 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
         }
       }
       if (!IsDigit(next) && !IsDigit(BiasCharToNumber(next))) {
+        if (t != nullptr) {
+          t->Add("leading-mark-dropped",
+                 "leading " + Quoted(first) + " dropped: no number follows it",
+                 where(0), std::string(1, first), "");
+        }
         text.remove_prefix(1);
+        skipped = 1;
       }
     }
   }
@@ -148,35 +260,92 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
   bool digitSeen = false;
   bool pointTaken = false;
   int junk = 0;
-  for (const char c : text) {
+  size_t separators = 0;
+  int32_t firstSeparator = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
     if (IsDigit(c)) {
       result += c;
       digitSeen = true;
       junk = 0;
+      if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
       continue;
     }
     if (c == '-') {
       result += c;
       continue;
     }
-    if (!gbMode && (c == '$' || c == 's' || c == 'S')) continue;
+    if (!gbMode && (c == '$' || c == 's' || c == 'S')) {
+      if (t != nullptr) {
+        t->Add("currency-skipped",
+               Quoted(c) + " skipped at position " +
+                   std::to_string(where(i + skipped)),
+               where(i + skipped), std::string(1, c), "");
+      }
+      continue;
+    }
     const char biased = BiasCharToNumber(c);
     if (IsDigit(biased)) {
+      if (t != nullptr) TraceBias(t, text, i, biased, where(i + skipped));
       result += biased;
+      if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
       continue;
     }
     if (c == '.' && trustPoint) {
-      if (pointTaken) break;
+      if (pointTaken) {
+        if (t != nullptr) {
+          t->Add("reading-stopped",
+                 "reading stopped at the second point at position " +
+                     std::to_string(where(i + skipped)),
+                 where(i + skipped), std::string(text.substr(i)), "");
+        }
+        break;
+      }
       result += '.';
       pointTaken = true;
       continue;
     }
-    if (c != '.' && c != ' ' && c != ',' && digitSeen) {
+    if (c == '.' || c == ' ' || c == ',') {
+      if (c != '.' && separators++ == 0) firstSeparator = where(i + skipped);
+      if (c == '.' && scan != nullptr) scan->decimals = 0;
+      continue;
+    }
+    if (t != nullptr) {
+      if (IsCurrencySign(c)) {
+        t->Add("currency-skipped",
+               Quoted(c) + " skipped at position " +
+                   std::to_string(where(i + skipped)),
+               where(i + skipped), std::string(1, c), "");
+      } else {
+        t->Add("char-dropped",
+               Quoted(c) + " dropped at position " +
+                   std::to_string(where(i + skipped)),
+               where(i + skipped), std::string(1, c), "");
+      }
+    }
+    if (digitSeen) {
       ++junk;
-      if (c == '~' || junk >= 2) break;
+      if (c == '~' || junk >= 2) {
+        if (t != nullptr && i + 1 < text.size()) {
+          t->Add("reading-stopped",
+                 "reading stopped at position " +
+                     std::to_string(where(i + skipped)) +
+                     ": the rest is ignored",
+                 where(i + skipped), std::string(text.substr(i + 1)), "");
+        }
+        break;
+      }
     }
   }
+  if (t != nullptr && separators > 0) {
+    t->Add("separator-dropped",
+           std::to_string(separators) +
+               (separators == 1 ? " separator" : " separators") +
+               " (space or comma) removed",
+           firstSeparator, "", "");
+  }
 
+  TraceSign(t, result);
   ApplySign(result);
   bool ok = false;
   if (IsNumeric(result)) {
@@ -188,32 +357,73 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
 }
 
 bool cFormat::FormatNumeric(const std::string& value, std::string& out,
-                            int32_t code) const {
+                            int32_t code, cRepairTrace* trace) const {
+  const bool log = FormatLogOn();
+  cRepairTrace local;
+  cRepairTrace* t = TraceFor(trace, local, log);
+  const size_t first = t != nullptr ? t->Size() : 0;
   const char separator = code == 300 ? ',' : '.';
   // Built from the right, so the right-most separator is the decimal point;
   // collected reversed and turned round once at the end.
   std::string result;
   result.reserve(value.size());
   bool pointPlaced = false;
-  for (auto it = value.rbegin(); it != value.rend(); ++it) {
-    const char c = *it;
+  size_t separators = 0;
+  int32_t firstSeparator = 0;
+  for (size_t k = value.size(); k-- > 0;) {
+    const char c = value[k];
+    const auto position = static_cast<int32_t>(k + 1);
     if (IsDigit(c) || c == '-') {
       result += c;
     } else if (c == separator) {
       if (!pointPlaced) {
         result += '.';
         pointPlaced = true;
+        if (t != nullptr && c == ',') {
+          t->Add("decimal-comma",
+                 "decimal comma at position " + std::to_string(position) +
+                     " read as a point",
+                 position, ",", ".");
+        }
+      } else if (t != nullptr) {
+        ++separators;
+        firstSeparator = position;
       }
     } else {
       const char biased = BiasCharToNumber(c);
-      if (IsDigit(biased)) result += biased;
+      if (IsDigit(biased)) {
+        result += biased;
+        if (t != nullptr) TraceBias(t, value, k, biased, position);
+      } else if (t != nullptr) {
+        if (c == ' ' || c == ',' || c == '.' || c == '\'') {
+          ++separators;
+          firstSeparator = position;
+        } else if (IsCurrencySign(c)) {
+          t->Add("currency-skipped",
+                 Quoted(c) + " skipped at position " + std::to_string(position),
+                 position, std::string(1, c), "");
+        } else {
+          t->Add("char-dropped",
+                 Quoted(c) + " dropped at position " + std::to_string(position),
+                 position, std::string(1, c), "");
+        }
+      }
     }
   }
   std::reverse(result.begin(), result.end());
+  if (t != nullptr) t->Reverse(first);
+  if (t != nullptr && separators > 0) {
+    t->Add("separator-dropped",
+           std::to_string(separators) +
+               (separators == 1 ? " separator" : " separators") + " removed",
+           firstSeparator, "", "");
+  }
+  TraceSign(t, result);
   ApplySign(result);
-  if (result.empty() || result == "-" || result.back() == '.') return false;
-  out = result;
-  return true;
+  const bool ok = !(result.empty() || result == "-" || result.back() == '.');
+  if (ok) out = result;
+  if (ok && log && t != nullptr) LogRepairSteps(*t, first);
+  return ok;
 }
 
 std::string cFormat::FormatDescr(int32_t code) const {

@@ -4,8 +4,13 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "pelinor/format.h"
+#include "pelinor/log.h"
+#include "pelinor/repair_trace.h"
+#include "pelinor/text.h"
 
 namespace pelinor {
 namespace {
@@ -78,7 +83,89 @@ bool cFormat::IsStrictOutwardCode(std::string_view code) const {
 }
 
 bool cFormat::FormatPostCode(const std::string& value, std::string& out,
-                             int32_t /*code*/) const {
+                             int32_t code, cRepairTrace* trace) const {
+  const bool log = FormatLogWanted();
+  if (trace == nullptr && !log) return FormatPostCodeSteps(value, out, code);
+  cRepairTrace local;
+  cRepairTrace* t = trace != nullptr ? trace : &local;
+  const size_t first = t->Size();
+  const bool ok = FormatPostCodeSteps(value, out, code);
+  if (ok) TracePostCode(value, out, *t);
+  if (ok && log) LogRepairSteps(*t, first);
+  return ok;
+}
+
+void cFormat::TracePostCode(const std::string& value, const std::string& out,
+                            cRepairTrace& trace) {
+  if (value == out) return;
+  // The letters and digits of the text, with their positions, line up
+  // with those of the result unless something was dropped.
+  std::string kept;
+  std::vector<int32_t> where;
+  size_t others = 0;
+  int32_t firstOther = 0;
+  for (size_t i = 0; i < value.size(); ++i) {
+    const char c = value[i];
+    if (IsAlnum(UpperChar(c)) || (c != ' ' && IsAlnum(c))) {
+      kept += c;
+      where.push_back(static_cast<int32_t>(i + 1));
+    } else if (c != ' ') {
+      kept += c;
+      where.push_back(static_cast<int32_t>(i + 1));
+    }
+  }
+  std::string result = out;
+  std::erase(result, ' ');
+  if (kept.size() != result.size()) {
+    // Marks between the characters were dropped; line up without them.
+    std::string alnum;
+    std::vector<int32_t> alnumWhere;
+    for (size_t i = 0; i < kept.size(); ++i) {
+      if (IsAlnum(UpperChar(kept[i])) || IsDigit(kept[i])) {
+        alnum += kept[i];
+        alnumWhere.push_back(where[i]);
+      } else if (others++ == 0) {
+        firstOther = where[i];
+      }
+    }
+    kept = std::move(alnum);
+    where = std::move(alnumWhere);
+  }
+  if (others > 0) {
+    trace.Add("separator-dropped",
+              std::to_string(others) + (others == 1 ? " mark" : " marks") +
+                  " removed",
+              firstOther, "", "");
+  }
+  if (kept.size() != result.size()) {
+    trace.Add("char-dropped", "characters dropped to fit the postcode shape", 0,
+              value, out);
+    return;
+  }
+  for (size_t i = 0; i < kept.size(); ++i) {
+    const char from = kept[i];
+    const char to = result[i];
+    if (from == to) continue;
+    const std::string at = " at position " + std::to_string(where[i]);
+    if (UpperChar(from) == to) {
+      trace.Add("case-changed", std::string(1, from) + " written as " + to + at,
+                where[i], std::string(1, from), std::string(1, to));
+    } else {
+      trace.Add(IsDigit(to) ? "bias-digit" : "bias-letter",
+                std::string(1, from) + " read as " + to + at, where[i],
+                std::string(1, from), std::string(1, to));
+    }
+  }
+  std::string spaced = value;
+  for (char& c : spaced) c = UpperChar(c);
+  if (spaced.find(' ') != out.find(' ') || spaced.size() != out.size()) {
+    trace.Add("postcode-shape", "written as outward code, space, inward code",
+              0, value, out);
+  }
+}
+
+bool cFormat::FormatPostCodeSteps(const std::string& value, std::string& out,
+                                  int32_t /*code*/) const {
   if (value == "GIR 0AA") {
     out = value;
     return true;

@@ -1,7 +1,8 @@
 // Every value formatter over arbitrary text: amounts, numerics, dates in
 // each language, postcodes and the OCR biasing routines. The first byte
 // picks a format code; then come a country and the value, separated by a
-// NUL byte.
+// NUL byte. Property: a repair trace never changes a result, and every
+// step it records has a known rule and a position inside the text.
 
 #include <cstdint>
 #include <string>
@@ -10,6 +11,36 @@
 #include "pelinor/date_text.h"
 #include "pelinor/format.h"
 #include "pelinor/pattern_engine.h"
+#include "pelinor/repair_trace.h"
+
+namespace {
+
+void CheckSteps(const pelinor::cRepairTrace& trace, const std::string& value) {
+  for (const pelinor::cRepairStep& step : trace.Steps()) {
+    pelinor::fuzz::Check(!step.Rule.empty() && !step.Sentence.empty(),
+                         "a repair step without rule or sentence");
+    pelinor::fuzz::Check(step.Position >= 0 &&
+                             static_cast<size_t>(step.Position) <= value.size(),
+                         "a repair step outside the text");
+    pelinor::fuzz::Check(step.Risk != pelinor::RiskClass::kNone,
+                         "a repair step without a class");
+  }
+}
+
+// Runs `run` without and with a trace and checks both give the same.
+template <typename Run>
+void CheckTraced(const std::string& value, Run run) {
+  std::string plain = "unset";
+  std::string traced = "unset";
+  pelinor::cRepairTrace trace;
+  const bool a = run(plain, nullptr);
+  const bool b = run(traced, &trace);
+  pelinor::fuzz::Check(a == b && plain == traced,
+                       "tracing changed a formatting result");
+  CheckSteps(trace, value);
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
@@ -57,5 +88,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     engine.CoerceDate(value, out, name, coerced);
   }
   engine.CoerceDate(value, out, country, coerced);
+
+  for (const int32_t type : {4, 200, 10004, 10200, 2, 300, 5}) {
+    CheckTraced(value, [&](std::string& o, pelinor::cRepairTrace* t) {
+      if (type == 5) return format.FormatPostCode(value, o, type, t);
+      if (type == 2 || type == 300) {
+        return format.FormatNumeric(value, o, type, t);
+      }
+      return format.FormatAmount(value, o, type, t);
+    });
+  }
+  for (const std::string& name : {std::string("DATEGB"), std::string("DATEFR"),
+                                  std::string("DATEDE"), country}) {
+    CheckTraced(value, [&](std::string& o, pelinor::cRepairTrace* t) {
+      bool ok = false;
+      engine.CoerceDate(value, o, name, ok, t);
+      return ok;
+    });
+  }
   return 0;
 }

@@ -1,6 +1,7 @@
 // Pattern specifications and the texts evaluated against them. The first
 // byte holds the evaluation flags; then come the pattern and the
-// text, separated by a NUL byte.
+// text, separated by a NUL byte. Property: a repair trace never changes
+// the outcome, and every step lies inside the text.
 
 #include <cstdint>
 #include <string>
@@ -8,6 +9,7 @@
 #include "fuzz_util.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/pattern_engine.h"
+#include "pelinor/repair_trace.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
@@ -23,5 +25,30 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                                flags & 4, flags & 8, output, err, "");
   std::string value;
   pelinor::ValidatePatternValue(parts[1], spec, flags & 16, value, err);
+
+  // The same evaluation again, traced.
+  pelinor::cPatternEngine traced_engine;
+  std::string traced_text = parts[1];
+  std::string traced_output, traced_err;
+  pelinor::cRepairTrace trace;
+  const bool plain_ok = pelinor::EvaluatePatternWith(
+      traced_engine, traced_text, spec, flags & 1, flags & 2, flags & 4,
+      flags & 8, traced_output, traced_err, "");
+  pelinor::cPatternEngine second;
+  std::string second_text = parts[1];
+  std::string second_output, second_err;
+  const bool traced_ok = pelinor::EvaluatePatternWith(
+      second, second_text, spec, flags & 1, flags & 2, flags & 4, flags & 8,
+      second_output, second_err, "", &trace);
+  pelinor::fuzz::Check(
+      plain_ok == traced_ok && traced_output == second_output &&
+          traced_err == second_err && traced_text == second_text,
+      "tracing changed a pattern evaluation");
+  for (const pelinor::cRepairStep& step : trace.Steps()) {
+    pelinor::fuzz::Check(
+        step.Position >= 0 &&
+            static_cast<size_t>(step.Position) <= parts[1].size(),
+        "a repair step outside the text");
+  }
   return 0;
 }

@@ -3,17 +3,94 @@
 
 #include "pelinor/evaluate_pattern.h"
 
+#include <algorithm>
 #include <memory>
+#include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "pelinor/file_system.h"
 #include "pelinor/log.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/settings_snapshot.h"
 
 namespace pelinor {
 
 namespace {
+
+// Records what the chosen candidate changed: the spaces removed, each
+// character a variation mapped within its matches, and the text outside
+// the matches that the value leaves out.
+void TraceEvaluation(const cPatternEngine& engine, const std::string& original,
+                     bool whole, bool keep, cRepairTrace& trace) {
+  const std::string& evaluated = engine.EvaluatedText();
+  // One-based position in `original` of each evaluated character.
+  std::vector<int32_t> where;
+  where.reserve(evaluated.size());
+  size_t spaces = 0;
+  int32_t firstSpace = 0;
+  for (size_t i = 0; i < original.size(); ++i) {
+    if (where.size() < evaluated.size() &&
+        original[i] == evaluated[where.size()]) {
+      where.push_back(static_cast<int32_t>(i + 1));
+    } else if (original[i] == ' ' && spaces++ == 0) {
+      firstSpace = static_cast<int32_t>(i + 1);
+    }
+  }
+  while (where.size() < evaluated.size()) {
+    where.push_back(static_cast<int32_t>(where.size() + 1));
+  }
+  if (spaces > 0) {
+    trace.Add("spaces-removed",
+              std::to_string(spaces) + (spaces == 1 ? " space" : " spaces") +
+                  " removed",
+              firstSpace, original, evaluated);
+  }
+  const int32_t index = engine.BestCandidateIndex();
+  if (index < 0 || static_cast<size_t>(index) >= engine.Candidates().size()) {
+    return;
+  }
+  const cPatternCandidate& best =
+      engine.Candidates()[static_cast<size_t>(index)];
+  std::vector<bool> covered(evaluated.size(), false);
+  size_t firstMatch = evaluated.size();
+  size_t lastMatch = 0;
+  for (const cMatch& m : best.Matches) {
+    if (m.Length == 0) continue;
+    const auto begin = static_cast<size_t>(m.FirstIndex);
+    const size_t end =
+        std::min(begin + static_cast<size_t>(m.Length), evaluated.size());
+    firstMatch = std::min(firstMatch, begin);
+    lastMatch = std::max(lastMatch, end);
+    for (size_t k = begin; k < end; ++k) {
+      covered[k] = true;
+      if (k >= best.Variation.size() || best.Variation[k] == evaluated[k]) {
+        continue;
+      }
+      trace.Add("pattern-variation",
+                std::string(1, evaluated[k]) + " at " +
+                    std::to_string(where[k]) + " mapped to " +
+                    best.Variation[k],
+                where[k], std::string(1, evaluated[k]),
+                std::string(1, best.Variation[k]));
+    }
+  }
+  if (whole) return;
+  std::string dropped;
+  int32_t firstDropped = 0;
+  for (size_t k = 0; k < evaluated.size(); ++k) {
+    if (covered[k]) continue;
+    if (keep && (k < firstMatch || k >= lastMatch)) continue;
+    if (dropped.empty()) firstDropped = where[k];
+    dropped += evaluated[k];
+  }
+  if (!dropped.empty()) {
+    trace.Add("surrounding-dropped",
+              "text outside the matched part dropped: '" + dropped + "'",
+              firstDropped, dropped, "");
+  }
+}
 
 // Gives a new engine the mapping file's table, read now. False, with
 // `strErrMsg` set, when the file exists but cannot be read.
@@ -68,8 +145,8 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
               const std::string& strPatternSpec, bool bCoerce,
               bool bSuppressSpaces, bool bWhole, bool bKeepSurrounding,
               std::string& strOutput, std::string& strErrMsg,
-              const std::string& strLogFile,
-              const cSettingsSnapshot* snapshot) {
+              const std::string& strLogFile, const cSettingsSnapshot* snapshot,
+              cRepairTrace* trace) {
   strErrMsg.clear();
   // Messages are only built when there is a log to write them to.
   const bool logging = !strLogFile.empty();
@@ -118,6 +195,10 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
   }
 
   bool executed = false;
+  // The text as given, kept only when its repairs are wanted.
+  const bool formatLog = FormatLogWanted();
+  std::string original;
+  if (trace != nullptr || formatLog) original = strText;
   engine->Execute(strText, strErrMsg, executed);
   if (!executed) {
     AppendLogLine(strLogFile, strErrMsg);
@@ -138,6 +219,13 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
   }
   strOutput = value;
   if (logging) AppendLogLine(strLogFile, "Output value:'" + strOutput + "'");
+  if (trace != nullptr || formatLog) {
+    cRepairTrace local;
+    cRepairTrace* t = trace != nullptr ? trace : &local;
+    const size_t first = t->Size();
+    TraceEvaluation(*engine, original, bWhole, bKeepSurrounding, *t);
+    if (formatLog) LogRepairSteps(*t, first);
+  }
   return true;
 }
 
@@ -156,11 +244,11 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
                          const std::string& strPatternSpec, bool bCoerce,
                          bool bSuppressSpaces, bool bWhole,
                          bool bKeepSurrounding, std::string& strOutput,
-                         std::string& strErrMsg,
-                         const std::string& strLogFile) {
+                         std::string& strErrMsg, const std::string& strLogFile,
+                         cRepairTrace* trace) {
   return Evaluate(&engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                   bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
-                  cSettingsSnapshot::Current());
+                  cSettingsSnapshot::Current(), trace);
 }
 
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
@@ -170,39 +258,46 @@ bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
   if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
     return Evaluate(nullptr, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                     bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
-                    snapshot);
+                    snapshot, nullptr);
   }
   cPatternEngine engine;
   return Evaluate(&engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                   bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
-                  nullptr);
+                  nullptr, nullptr);
 }
 
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bCoerce, bool bSuppressSpaces, bool bWhole,
                      bool bKeepSurrounding, std::string& strOutput,
                      std::string& strErrMsg, const std::string& strLogFile,
-                     const cSettingsSnapshot& settings) {
+                     const cSettingsSnapshot& settings, cRepairTrace* trace) {
   return Evaluate(nullptr, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                   bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
-                  &settings);
-}
-
-bool ValidatePatternValue(const std::string& strText,
-                          const std::string& strPatternSpec, bool bCoerce,
-                          std::string& strValue, std::string& strErrMsg) {
-  std::string text = strText;
-  return EvaluatePattern(text, strPatternSpec, bCoerce, false, true, false,
-                         strValue, strErrMsg, "");
+                  &settings, trace);
 }
 
 bool ValidatePatternValue(const std::string& strText,
                           const std::string& strPatternSpec, bool bCoerce,
                           std::string& strValue, std::string& strErrMsg,
-                          const cSettingsSnapshot& settings) {
+                          cRepairTrace* trace) {
+  std::string text = strText;
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    return Evaluate(nullptr, text, strPatternSpec, bCoerce, false, true, false,
+                    strValue, strErrMsg, "", snapshot, trace);
+  }
+  cPatternEngine engine;
+  return Evaluate(&engine, text, strPatternSpec, bCoerce, false, true, false,
+                  strValue, strErrMsg, "", nullptr, trace);
+}
+
+bool ValidatePatternValue(const std::string& strText,
+                          const std::string& strPatternSpec, bool bCoerce,
+                          std::string& strValue, std::string& strErrMsg,
+                          const cSettingsSnapshot& settings,
+                          cRepairTrace* trace) {
   std::string text = strText;
   return EvaluatePattern(text, strPatternSpec, bCoerce, false, true, false,
-                         strValue, strErrMsg, "", settings);
+                         strValue, strErrMsg, "", settings, trace);
 }
 
 }  // namespace pelinor

@@ -223,4 +223,64 @@ int MatchMonthWord(int language, std::string_view word) {
   return found;
 }
 
+std::string_view LookAlikeLetters(char c) {
+  // Built from Confusions(): every letter that lists `c`.
+  static const std::array<std::string, 256> table = [] {
+    std::array<std::string, 256> t;
+    for (char letter = 'A'; letter <= 'Z'; ++letter) {
+      for (const char x : Confusions(letter)) {
+        if (IsWordLetter(x)) continue;
+        t[static_cast<unsigned char>(x)].push_back(LowerChar(letter));
+      }
+    }
+    return t;
+  }();
+  return table[static_cast<unsigned char>(c)];
+}
+
+namespace {
+
+// True when the character `read` stands for the folded name letter `c`.
+bool Fits(char read, char c) {
+  if (FoldChar(read) == c) return true;
+  return LookAlikeLetters(read).find(c) != std::string_view::npos;
+}
+
+// True when `word` stands for all of `name` (`whole`) or for its start.
+bool FitsName(std::string_view word, std::string_view name, bool whole) {
+  if (whole ? word.size() != name.size() : word.size() > name.size()) {
+    return false;
+  }
+  for (size_t i = 0; i < word.size(); ++i) {
+    if (!Fits(word[i], name[i])) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+int MatchMonthWordRepaired(int language, std::string_view word) {
+  const FoldedNames& names = AllFolded()[static_cast<size_t>(language)];
+  for (size_t m = 0; m < 12; ++m) {
+    if (FitsName(word, names.full[m], true) ||
+        FitsName(word, names.abbreviation[m], true)) {
+      return static_cast<int>(m) + 1;
+    }
+  }
+  for (const ExtraSpelling& extra : kExtraSpellings) {
+    if (extra.language == language && FitsName(word, extra.word, true)) {
+      return extra.month;
+    }
+  }
+  if (word.size() < 3) return 0;
+  int found = 0;
+  for (size_t m = 0; m < 12; ++m) {
+    if (FitsName(word, names.full[m], false)) {
+      if (found != 0) return 0;
+      found = static_cast<int>(m) + 1;
+    }
+  }
+  return found;
+}
+
 }  // namespace pelinor::month_tables

@@ -103,6 +103,21 @@ bool IsWordLetter(char c);
 // equals no other month's name.
 int MatchMonthWord(int language, std::string_view word);
 
+// LookAlikeLetters()
+//
+// The folded letters that OCR may have read as the digit or punctuation
+// mark `c`, from the confusion table ("odq" for "0", "il" for "1", "s"
+// for "5"); "" for letters and for characters that stand for none.
+std::string_view LookAlikeLetters(char c);
+
+// MatchMonthWordRepaired()
+//
+// As MatchMonthWord(), for a word as read (`word` is not folded): each of
+// its characters stands for the name's letter when it folds to it or is a
+// look-alike of it (LookAlikeLetters()), so "0ct", "ju1l" and "5ept" name
+// their months.
+int MatchMonthWordRepaired(int language, std::string_view word);
+
 }  // namespace pelinor::month_tables
 
 #endif  // PELINOR_PATTERN_MONTH_TABLES_H_

@@ -5,6 +5,7 @@
 #include "pelinor/pattern_engine.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "pattern/month_tables.h"
 #include "pelinor/format.h"
 #include "pelinor/log.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/text.h"
 
 namespace pelinor {
@@ -22,7 +24,7 @@ namespace mt = month_tables;
 // No month name of any language is longer ("septiembre").
 constexpr size_t kLongestMonthWord = 10;
 
-bool FormatLogOn() { return !FormatLogPath().empty(); }
+bool FormatLogOn() { return FormatLogWanted(); }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -59,6 +61,31 @@ std::vector<NumberRun> FindNumberRuns(std::string_view text,
   return runs;
 }
 
+constexpr const char* kLanguageNames[] = {"English", "French", "Portuguese",
+                                          "Spanish", "German", "Italian"};
+
+// Records how the month word text[begin, end) was read as month `m`.
+void TraceMonthWord(int language, int formatLanguage, std::string_view text,
+                    size_t begin, size_t end, int m, cRepairTrace& trace) {
+  const std::string word(text.substr(begin, end - begin));
+  const auto position = static_cast<int32_t>(begin + 1);
+  bool lookAlike = false;
+  for (const char c : word) lookAlike |= !mt::IsWordLetter(c);
+  const std::string name(mt::Names(language).full[static_cast<size_t>(m - 1)]);
+  if (lookAlike) {
+    trace.Add("month-repaired", word + " read as " + name, position, word,
+              name);
+  } else {
+    trace.Add("month-name", word + " read as month " + std::to_string(m),
+              position, word, word);
+  }
+  if (formatLanguage >= 0 && formatLanguage != language) {
+    trace.Add("other-language",
+              word + " read as a month name in " + kLanguageNames[language],
+              position, word, word);
+  }
+}
+
 }  // namespace
 
 std::string cPatternEngine::CoerceShortMonth(const std::string& strWord) const {
@@ -67,14 +94,15 @@ std::string cPatternEngine::CoerceShortMonth(const std::string& strWord) const {
   return m == 0 ? strWord : std::string(mt::ShortMonth(m));
 }
 
-void cPatternEngine::CoerceShortMonthInString(std::string& strInOut) const {
+void cPatternEngine::CoerceShortMonthInString(std::string& strInOut,
+                                              cRepairTrace* trace) const {
+  strInOut = UCase(strInOut);
   int count = 0;
   size_t lastPos = 0;
   int lastMonth = 0;
   for (size_t i = 0; i + 3 <= strInOut.size(); ++i) {
-    const char word[3] = {UpperChar(strInOut[i]), UpperChar(strInOut[i + 1]),
-                          UpperChar(strInOut[i + 2])};
-    const int m = mt::MonthOfKey(mt::MonthKey(std::string_view(word, 3)));
+    const int m =
+        mt::MonthOfKey(mt::MonthKey(std::string_view(strInOut).substr(i, 3)));
     if (m != 0) {
       ++count;
       lastPos = i;
@@ -88,7 +116,17 @@ void cPatternEngine::CoerceShortMonthInString(std::string& strInOut) const {
   }
   // Two or more hits cannot be told apart, so only a single one is
   // repaired.
-  if (count == 1) strInOut.replace(lastPos, 3, mt::ShortMonth(lastMonth));
+  if (count == 1) {
+    const std::string_view abbreviation = mt::ShortMonth(lastMonth);
+    if (trace != nullptr && strInOut.compare(lastPos, 3, abbreviation) != 0) {
+      const std::string read = strInOut.substr(lastPos, 3);
+      const auto position = static_cast<int32_t>(lastPos + 1);
+      trace->Add("month-repaired",
+                 read + " read as " + std::string(abbreviation), position, read,
+                 std::string(abbreviation));
+    }
+    strInOut.replace(lastPos, 3, abbreviation);
+  }
   if (log) {
     LogFormatMessage("cPatternEngine.CoerceShortMonthInString:strInOut=" +
                      strInOut);
@@ -96,11 +134,14 @@ void cPatternEngine::CoerceShortMonthInString(std::string& strInOut) const {
 }
 
 bool cPatternEngine::coerceNameDate(const std::string& strIn,
-                                    std::string& strOut) const {
+                                    std::string& strOut,
+                                    cRepairTrace* trace) const {
   const bool log = FormatLogOn();
   if (log) LogFormatMessage("cPatternEngine.coerceNameDate(" + strIn + ")");
   std::string text = UCase(strIn);
-  CoerceShortMonthInString(text);
+  // The repair is recorded only when the date is then read.
+  cRepairTrace repaired;
+  CoerceShortMonthInString(text, trace != nullptr ? &repaired : nullptr);
   if (log) {
     LogFormatMessage(
         "cPatternEngine.coerceNameDate post CoerceShortMonthInString->" + text);
@@ -111,6 +152,12 @@ bool cPatternEngine::coerceNameDate(const std::string& strIn,
   for (const int32_t mode : {1, 2, 3}) {
     if (format.ReadMonthNameDate(text, found, day, month, year, mode)) {
       strOut = day + "/" + month + "/" + year;
+      if (trace != nullptr) {
+        for (const cRepairStep& step : repaired.Steps()) {
+          trace->AddWithRisk(step.Rule, step.Risk, step.Sentence, step.Position,
+                             step.Before, step.After);
+        }
+      }
       return true;
     }
   }
@@ -118,18 +165,24 @@ bool cPatternEngine::coerceNameDate(const std::string& strIn,
 }
 
 bool cPatternEngine::coerceLanguageDate(int language, const std::string& strIn,
-                                        std::string& strOut) {
+                                        std::string& strOut,
+                                        cRepairTrace* trace,
+                                        int formatLanguage) {
   const std::string_view text(strIn);
   const size_t n = text.size();
-  // A zero or one directly before a letter is read as "o" or "l", so that
-  // "0ctobre" and "ju1l" still name their month.
-  const auto isWordChar = [&text, n](size_t k) {
-    if (mt::IsWordLetter(text[k])) return true;
-    return (text[k] == '0' || text[k] == '1') && k + 1 < n &&
-           mt::IsWordLetter(text[k + 1]);
+  // A digit or mark that looks like a letter belongs to a word when a
+  // letter follows it ("0ctobre", "ju1l") or when it ends a word ("AU6"),
+  // so that a number written right after a month ("OCT2003") stays a
+  // number.
+  const auto isLookAlike = [&text](size_t k) {
+    return !mt::LookAlikeLetters(text[k]).empty();
   };
-  const auto folded = [&text](size_t k) {
-    return text[k] == '0' ? 'o' : text[k] == '1' ? 'l' : mt::FoldChar(text[k]);
+  const auto isWordChar = [&](size_t k) {
+    if (mt::IsWordLetter(text[k])) return true;
+    if (!isLookAlike(k)) return false;
+    if (k + 1 < n && mt::IsWordLetter(text[k + 1])) return true;
+    return k > 0 && mt::IsWordLetter(text[k - 1]) &&
+           (k + 1 == n || !IsDigit(text[k + 1]));
   };
 
   std::string word;
@@ -146,10 +199,10 @@ bool cPatternEngine::coerceLanguageDate(int language, const std::string& strIn,
     size_t j = i;
     word.clear();
     while (j < n && isWordChar(j) && word.size() <= kLongestMonthWord) {
-      word += folded(j++);
+      word += text[j++];
     }
     if (word.size() > kLongestMonthWord) continue;  // keeps long runs linear
-    const int m = mt::MatchMonthWord(language, word);
+    const int m = mt::MatchMonthWordRepaired(language, word);
     if (m == 0) continue;
     if (!runsFound) {
       runs = FindNumberRuns(text, &cFormat::IsDateNumberChar);
@@ -185,6 +238,8 @@ bool cPatternEngine::coerceLanguageDate(int language, const std::string& strIn,
     if (!format.ValidateDateParsed(day, month, year)) continue;
     format.ApplyDateLocale(day, month, year);
     strOut = day + "/" + month + "/" + year;
+    if (trace != nullptr)
+      TraceMonthWord(language, formatLanguage, text, i, j, m, *trace);
     return true;
   }
   return false;
@@ -217,33 +272,89 @@ bool cPatternEngine::coerceItalianDate(const std::string& strIn,
 
 void cPatternEngine::CoerceDate(const std::string& strIn, std::string& strOut,
                                 const std::string& strDateFormat,
-                                bool& bSuccess) const {
+                                bool& bSuccess, cRepairTrace* trace) const {
+  const bool log = FormatLogOn();
+  cRepairTrace local;
+  cRepairTrace* t = trace != nullptr ? trace : (log ? &local : nullptr);
+  const size_t first = t != nullptr ? t->Size() : 0;
   const std::string name = UCase(strDateFormat);
-  bool ok;
+  int language = mt::kEnglish;
   if (name == "DATEFR") {
-    ok = coerceFrenchDate(strIn, strOut);
+    language = mt::kFrench;
   } else if (name == "DATEPT") {
-    ok = coercePortugueseDate(strIn, strOut);
+    language = mt::kPortuguese;
   } else if (name == "DATEES") {
-    ok = coerceSpanishDate(strIn, strOut);
+    language = mt::kSpanish;
   } else if (name == "DATEDE") {
-    ok = coerceGermanDate(strIn, strOut);
+    language = mt::kGerman;
   } else if (name == "DATEIT") {
-    ok = coerceItalianDate(strIn, strOut);
-  } else {
-    ok = coerceNameDate(strIn, strOut);
+    language = mt::kItalian;
   }
+  bool ok = language == mt::kEnglish
+                ? coerceNameDate(strIn, strOut, t)
+                : coerceLanguageDate(language, strIn, strOut, t, language);
+  bool named = ok;
   if (!ok) {
-    // The general coercion: the formatter's reading of the same format.
+    // The general coercion: first the month names of every language (a
+    // name says more than stray digits), then the formatter's reading of
+    // the same format.
+    for (int other = 0; !ok && other < mt::kLanguageCount; ++other) {
+      ok = coerceLanguageDate(other, strIn, strOut, t, language);
+    }
+    named = ok;
     std::string day, month, year;
     float confidence = 0;
-    if (cFormat().ValidateRawDate(strIn, day, month, year, confidence,
-                                  strDateFormat)) {
+    if (!ok && cFormat().ValidateRawDate(strIn, day, month, year, confidence,
+                                         strDateFormat)) {
       strOut = day + "/" + month + "/" + year;
       ok = true;
     }
   }
+  if (ok && t != nullptr) TraceDateResult(strIn, strOut, named, *t);
+  if (ok && log && t != nullptr) LogRepairSteps(*t, first);
   bSuccess = ok;
+}
+
+void cPatternEngine::TraceDateResult(const std::string& strIn,
+                                     const std::string& strOut, bool named,
+                                     cRepairTrace& trace) {
+  // The stored form holds three numbers joined by "/"; the year is the
+  // four-digit one.
+  std::vector<std::string> parts;
+  for (size_t from = 0;;) {
+    const size_t slash = strOut.find('/', from);
+    parts.push_back(strOut.substr(from, slash - from));
+    if (slash == std::string::npos) break;
+    from = slash + 1;
+  }
+  if (parts.size() != 3) return;
+  const size_t y = parts[0].size() == 4 ? 0 : 2;
+  const std::string& year = parts[y];
+  if (year.size() == 4 && strIn.find(year) == std::string::npos) {
+    const std::string shortYear = year.substr(2);
+    const size_t at = strIn.rfind(shortYear);
+    trace.Add("two-digit-year", shortYear + " read as " + year,
+              at == std::string::npos ? 0 : static_cast<int32_t>(at + 1),
+              shortYear, year);
+  }
+  if (!named) {
+    // Numbers only: when both of the other two could be a month, the
+    // order came from the locale.
+    const std::string& a = parts[y == 0 ? 1 : 0];
+    const std::string& b = parts[y == 0 ? 2 : 1];
+    const int first = std::atoi(a.c_str());
+    const int second = std::atoi(b.c_str());
+    if (first != second && first >= 1 && first <= 12 && second >= 1 &&
+        second <= 12) {
+      trace.Add("day-month-order",
+                "day and month could be either way round: " + a + "/" + b +
+                    " taken in the locale's order",
+                0, strIn, strOut);
+    }
+  }
+  if (strIn != strOut) {
+    trace.Add("date-layout", "written as " + strOut, 0, strIn, strOut);
+  }
 }
 
 void cPatternEngine::LogFormatMessage(const std::string& strMsg) const {

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <new>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
+#include "pattern/spec_matcher.h"
 #include "pelinor/pattern_engine.h"
 
 namespace pelinor {
@@ -160,17 +162,111 @@ class Replacements {
   std::unordered_map<uint32_t, std::string> cache_;
 };
 
-// One place where a shape can be made to fit the text: the positions that
-// do not fit yet and the replacements each can take.
-struct Window {
-  uint32_t first = 0;  // into the fix pool
-  uint32_t count = 0;  // number of positions to replace
-};
-
+// One character to repair and the replacements it can take.
 struct Fix {
   uint32_t position;
   const std::string* options;
 };
+
+// Characters repaired together: those of one placement of a shape, or of
+// several placements at separate places. `matched` counts the characters
+// among them that the expression already matches in the text.
+struct RepairSet {
+  std::vector<Fix> fixes;  // by position
+  uint32_t matched = 0;
+  uint32_t parts = 1;  // placements joined
+};
+
+std::string Signature(const std::vector<Fix>& fixes) {
+  std::string key;
+  key.reserve(fixes.size() * 12);
+  for (const Fix& f : fixes) {
+    key.append(reinterpret_cast<const char*>(&f.position), sizeof f.position);
+    key.append(reinterpret_cast<const char*>(&f.options), sizeof f.options);
+  }
+  return key;
+}
+
+// Combinations are not searched beyond this many steps, which keeps the
+// work bounded for long texts with many possible repairs.
+constexpr size_t kMaxCombinationSteps = 200000;
+
+// The number of variations `set` yields, at most `cap`.
+size_t VariationsOf(const RepairSet& set, size_t cap) {
+  size_t n = 1;
+  for (const Fix& f : set.fixes) {
+    n *= f.options->size();
+    if (n >= cap) return cap;
+  }
+  return n;
+}
+
+// Adds to `sets` the unions of two or more of its repairs that change only
+// unmatched characters and lie at separate places (each begins after the
+// previous one ends), so misreads at several places are repaired together.
+// Unions come in order of the number of characters they change, and are
+// added only while every variation still fits under the limit: a text
+// whose single placements fit is never failed by its unions.
+void AddCombinations(std::vector<RepairSet>& sets) {
+  const size_t limit = static_cast<size_t>(kVariationLimit) - 1;
+  size_t used = 1;  // the text itself
+  for (const RepairSet& s : sets) used += VariationsOf(s, limit);
+  if (used >= limit) return;
+  size_t budget = limit - used;
+  std::vector<const RepairSet*> parts;
+  for (const RepairSet& s : sets) {
+    if (s.matched == 0) parts.push_back(&s);
+  }
+  if (parts.size() < 2) return;
+  std::stable_sort(
+      parts.begin(), parts.end(), [](const RepairSet* a, const RepairSet* b) {
+        return a->fixes.front().position < b->fixes.front().position;
+      });
+  size_t total = 0;
+  for (const RepairSet* p : parts) total += p->fixes.size();
+  std::vector<RepairSet> unions;
+  std::vector<size_t> chain;
+  size_t steps = 0;
+  bool full = false;
+  for (size_t want = 2; want <= total && !full; ++want) {
+    // Depth-first over chains of parts in position order whose sizes add
+    // up to `want`.
+    std::function<void(size_t, size_t, int64_t)> extend =
+        [&](size_t from, size_t size, int64_t after) {
+          for (size_t i = from; i < parts.size(); ++i) {
+            if (full || ++steps > kMaxCombinationSteps) return;
+            const RepairSet& p = *parts[i];
+            if (static_cast<int64_t>(p.fixes.front().position) <= after) {
+              continue;
+            }
+            const size_t grown = size + p.fixes.size();
+            if (grown > want) continue;
+            chain.push_back(i);
+            if (grown == want && chain.size() >= 2) {
+              RepairSet u;
+              u.parts = static_cast<uint32_t>(chain.size());
+              for (size_t c : chain) {
+                const auto& f = parts[c]->fixes;
+                u.fixes.insert(u.fixes.end(), f.begin(), f.end());
+              }
+              const size_t n = VariationsOf(u, limit);
+              if (n > budget) {
+                full = true;
+              } else {
+                budget -= n;
+                unions.push_back(std::move(u));
+              }
+            } else if (grown < want) {
+              extend(i + 1, grown, p.fixes.back().position);
+            }
+            chain.pop_back();
+          }
+        };
+    extend(0, 0, -1);
+    if (steps > kMaxCombinationSteps) break;
+  }
+  for (RepairSet& u : unions) sets.push_back(std::move(u));
+}
 
 }  // namespace
 
@@ -185,6 +281,29 @@ bool cPatternEngine::EnsureRegExp(std::string& strErrMsg) {
   return true;
 }
 
+bool cPatternEngine::RunExpression(std::string_view text,
+                                   cMatchCollection& matches,
+                                   std::string& strErrMsg) {
+  if (program_ != nullptr && RegExpFormat == loaded_expression_ &&
+      program_->Run(text, matches)) {
+    return true;
+  }
+  regexp_->Pattern = RegExpFormat;
+  regexp_->Global = true;
+  std::string error;
+  if (regexp_->Execute(text, matches, error)) return true;
+  // A loaded specification always compiles; one the matcher cannot take
+  // (thousands of positions, or a text too long for its memory) and that
+  // exhausts the regular-expression engine has found no match.
+  if (RegExpFormat == loaded_expression_ && !loaded_expression_.empty() &&
+      error.rfind(kRegExpSyntaxError, 0) != 0) {
+    matches.Clear();
+    return true;
+  }
+  strErrMsg = error;
+  return false;
+}
+
 bool cPatternEngine::GenerateVariations(const std::string& text,
                                         std::vector<std::string>& variations) {
   variations.clear();
@@ -192,17 +311,31 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
   variation_count_ = 1;
   if (CharMapper == nullptr) return true;
 
+  // The characters the expression already matches in the text as it
+  // stands; they are changed only after every repair that leaves them.
+  std::vector<bool> matched(text.size(), false);
+  {
+    cMatchCollection plain;
+    std::string ignored;
+    if (RunExpression(text, plain, ignored)) {
+      for (const cMatch& m : plain) {
+        for (int32_t k = 0; k < m.Length; ++k) {
+          matched[static_cast<size_t>(m.FirstIndex + k)] = true;
+        }
+      }
+    }
+  }
+
   const std::vector<std::string> shapes =
       Shapes(elements_, meta_rules_, text.size());
   Replacements replacements(CharMapper->Mappings());
-  std::vector<Window> windows;
-  std::vector<Fix> pool;
+  std::vector<RepairSet> sets;
+  std::unordered_set<std::string> signatures;
   for (const std::string& shape : shapes) {
     const size_t length = shape.size() / 2;
     if (length == 0) continue;
     for (size_t offset = 0; offset + length <= text.size(); ++offset) {
-      Window w;
-      w.first = static_cast<uint32_t>(pool.size());
+      RepairSet set;
       bool viable = true;
       for (size_t j = 0; j < length && viable; ++j) {
         const char c = text[offset + j];
@@ -213,39 +346,47 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
         if (options.empty()) {
           viable = false;
         } else {
-          pool.push_back(Fix{static_cast<uint32_t>(offset + j), &options});
+          set.fixes.push_back(Fix{static_cast<uint32_t>(offset + j), &options});
         }
       }
-      w.count = static_cast<uint32_t>(pool.size()) - w.first;
-      if (!viable || w.count == 0) {
-        pool.resize(w.first);
-        continue;
-      }
-      windows.push_back(w);
+      if (!viable || set.fixes.empty()) continue;
+      // Placements that repair the same characters the same way are one
+      // repair.
+      if (!signatures.insert(Signature(set.fixes)).second) continue;
+      for (const Fix& f : set.fixes) set.matched += matched[f.position];
+      sets.push_back(std::move(set));
     }
   }
+  AddCombinations(sets);
 
-  // Fewer replacements first, then the leftmost replaced positions; equal
-  // windows keep the order of their shapes and offsets.
-  std::stable_sort(windows.begin(), windows.end(),
-                   [&pool](const Window& a, const Window& b) {
-                     if (a.count != b.count) return a.count < b.count;
-                     for (uint32_t k = 0; k < a.count; ++k) {
-                       uint32_t pa = pool[a.first + k].position;
-                       uint32_t pb = pool[b.first + k].position;
-                       if (pa != pb) return pa < pb;
+  // Repairs that leave matched characters alone first, then fewer
+  // characters changed, then fewer placements joined, then the changed
+  // positions from left to right; equal repairs keep the order of their
+  // shapes and offsets.
+  std::stable_sort(sets.begin(), sets.end(),
+                   [](const RepairSet& a, const RepairSet& b) {
+                     if (a.matched != b.matched) return a.matched < b.matched;
+                     if (a.fixes.size() != b.fixes.size()) {
+                       return a.fixes.size() < b.fixes.size();
+                     }
+                     if (a.parts != b.parts) return a.parts < b.parts;
+                     for (size_t k = 0; k < a.fixes.size(); ++k) {
+                       if (a.fixes[k].position != b.fixes[k].position) {
+                         return a.fixes[k].position < b.fixes[k].position;
+                       }
                      }
                      return false;
                    });
 
   std::unordered_set<std::string> seen{text};
   std::vector<size_t> choice;
-  for (const Window& w : windows) {
-    choice.assign(w.count, 0);
+  for (const RepairSet& set : sets) {
+    const size_t count = set.fixes.size();
+    choice.assign(count, 0);
     while (true) {
       std::string variation = text;
-      for (uint32_t k = 0; k < w.count; ++k) {
-        const Fix& fix = pool[w.first + k];
+      for (size_t k = 0; k < count; ++k) {
+        const Fix& fix = set.fixes[k];
         variation[fix.position] = (*fix.options)[choice[k]];
       }
       if (seen.insert(variation).second) {
@@ -255,8 +396,8 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
       // Next combination: the rightmost position varies fastest, each in
       // mapping order.
       bool more = false;
-      for (size_t k = w.count; k-- > 0;) {
-        if (++choice[k] < pool[w.first + k].options->size()) {
+      for (size_t k = count; k-- > 0;) {
+        if (++choice[k] < set.fixes[k].options->size()) {
           more = true;
           break;
         }
@@ -281,8 +422,6 @@ void cPatternEngine::Execute(std::string& strText, std::string& strErrMsg,
                   strText.end());
   }
   evaluated_text_ = strText;
-  regexp_->Pattern = RegExpFormat;
-  regexp_->Global = true;
 
   // Candidates are resized rather than rebuilt, so an engine that runs
   // many texts reuses their storage.
@@ -292,7 +431,7 @@ void cPatternEngine::Execute(std::string& strText, std::string& strErrMsg,
     cPatternCandidate& only = candidates_.front();
     only.Variation = strText;
     only.Text.clear();
-    if (!regexp_->Execute(only.Variation, only.Matches, strErrMsg)) {
+    if (!RunExpression(only.Variation, only.Matches, strErrMsg)) {
       candidates_.clear();
       return;
     }
@@ -311,7 +450,7 @@ void cPatternEngine::Execute(std::string& strText, std::string& strErrMsg,
     cPatternCandidate& c = candidates_[i];
     c.Variation = std::move(variations[i]);
     c.Text.clear();
-    if (!regexp_->Execute(c.Variation, c.Matches, strErrMsg)) {
+    if (!RunExpression(c.Variation, c.Matches, strErrMsg)) {
       candidates_.clear();
       return;
     }
@@ -328,22 +467,22 @@ void cPatternEngine::BuildCandidateTexts() {
 
 void cPatternEngine::BestCandidateWhole(std::string& strValue, bool& bSuccess) {
   bSuccess = false;
+  best_ = -1;
   strValue.clear();
   std::string error;
   if (!EnsureRegExp(error)) return;
-  regexp_->Pattern = RegExpFormat;
-  regexp_->Global = true;
   BuildCandidateTexts();
   const cPatternCandidate* best = nullptr;
   cMatchCollection matches;
   for (const cPatternCandidate& c : candidates_) {
     // An empty text is never chosen: a value must hold something.
     if (c.Text.size() <= (best == nullptr ? 0 : best->Text.size())) continue;
-    if (!regexp_->Execute(c.Text, matches, error)) return;
+    if (!RunExpression(c.Text, matches, error)) return;
     if (matches.Count() > 0) best = &c;
   }
   if (best == nullptr || best->Text.size() != evaluated_text_.size()) return;
   strValue = best->Text;
+  best_ = static_cast<int32_t>(best - candidates_.data());
   bSuccess = true;
 }
 
@@ -351,6 +490,7 @@ void cPatternEngine::BestCandidateSubPattern(std::string& strValue,
                                              bool bKeepSurrounding,
                                              bool& bSuccess) {
   bSuccess = false;
+  best_ = -1;
   strValue.clear();
   BuildCandidateTexts();
   const cPatternCandidate* best = nullptr;
@@ -358,6 +498,7 @@ void cPatternEngine::BestCandidateSubPattern(std::string& strValue,
     if (c.Text.size() > (best == nullptr ? 0 : best->Text.size())) best = &c;
   }
   if (best == nullptr) return;
+  best_ = static_cast<int32_t>(best - candidates_.data());
   if (!bKeepSurrounding) {
     strValue = best->Text;
     bSuccess = true;

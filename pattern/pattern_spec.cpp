@@ -2,13 +2,19 @@
 // element splitter, escaping, brace sections and the assembled expression.
 // Language: docs/formats/patterns.md.
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "pattern/spec_matcher.h"
 #include "pelinor/pattern_engine.h"
 
 namespace pelinor {
 namespace {
+
+// Patterns with more ways through them than this are matched by the
+// engine's own matcher.
+constexpr uint64_t kMaxBacktrackPaths = 256;
 
 struct RawElement {
   std::string text;
@@ -173,6 +179,13 @@ void cPatternEngine::LoadSBSExpression(const std::string& strSpec,
   }
   elements_ = std::move(elements);
   RegExpFormat = std::move(expression);
+  // Few ways through the pattern: the compiled expression is faster and
+  // cannot blow up. Many: the engine's own matcher bounds the work.
+  program_ = internal::SpecProgram::Build(elements_, meta_rules_);
+  if (program_ != nullptr && program_->Paths() <= kMaxBacktrackPaths) {
+    program_ = nullptr;
+  }
+  loaded_expression_ = RegExpFormat;
   bSuccess = true;
 }
 

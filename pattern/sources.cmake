@@ -5,6 +5,7 @@ set(PELINOR_PATTERN_SOURCES
   pattern/sbs_char_replace.cpp
   pattern/pattern_spec.cpp
   pattern/pattern_match.cpp
+  pattern/spec_matcher.cpp
   pattern/evaluate_pattern.cpp
   pattern/settings_snapshot.cpp
 )

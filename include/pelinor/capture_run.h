@@ -30,6 +30,7 @@
 #include <string>
 #include <vector>
 
+#include "pelinor/repair_trace.h"
 #include "pelinor/settings_snapshot.h"
 
 namespace pelinor {
@@ -43,6 +44,14 @@ inline constexpr int32_t kCaptureInvalidStatus = 2;
 // The message of a row with an invalid cell.
 inline constexpr char kInvalidLineMessage[] =
     "A value of the line is not valid";
+// The status of a value whose repairs include a guess, when the capture
+// reviews guesses (cCaptureOptions::ReviewGuess), and of a row or document
+// whose values are valid but include such a value. Its message is
+// kReviewMessagePrefix followed by the steps' sentences.
+inline constexpr int32_t kCaptureReviewStatus = 3;
+inline constexpr char kReviewMessagePrefix[] = "Check: ";
+inline constexpr char kReviewLineMessage[] =
+    "A value of the line needs checking";
 
 // What a capture does besides its rules.
 struct cCaptureOptions {
@@ -51,6 +60,9 @@ struct cCaptureOptions {
   // The pattern evaluation log ("" for none). Lines of documents captured
   // on several threads may interleave.
   std::string LogFile;
+  // Give a value whose repairs include a guess (docs/repair-trace.md)
+  // kCaptureReviewStatus instead of 0, so that a person checks it.
+  bool ReviewGuess = false;
 };
 
 // One checked value.
@@ -60,6 +72,11 @@ struct cCaptureValue {
   std::string Result;
   int32_t Status = 0;
   std::string Message;
+  // Whether this capture changed the value, the steps that changed it
+  // and the highest of their classes (kNone when none).
+  bool Changed = false;
+  std::vector<cRepairStep> Steps;
+  RiskClass Risk = RiskClass::kNone;
 };
 
 // The outcome of capturing one document.
@@ -68,6 +85,7 @@ struct cCaptureReport {
   int32_t Status = 0;                 // the document's new status
   std::string Message;                // and message
   int32_t InvalidCount = 0;           // values with a status other than 0
+  int32_t ReviewCount = 0;            // of them, values to check
 };
 
 // CaptureDocument()
@@ -77,10 +95,12 @@ struct cCaptureReport {
 // its header's data type and flags and is captured; each row and the
 // document get status 0 when all their values are valid, else
 // kCaptureInvalidStatus with kInvalidLineMessage, or "N value(s) is/are not
-// valid: " and the names. With `settings` no registry value and no file
-// is read for a value (the thread's ScopedSettingsSnapshot is set for the
-// call); without, the per-call rules apply.
-// REQUIRES: doc.Profile is set (doc.Template may be null).
+// valid: " and the names. With ReviewGuess, a row or document whose values
+// are valid but include values to check gets kCaptureReviewStatus with
+// kReviewLineMessage, or "N value(s) need(s) checking: " and the names. With
+// `settings` no registry value and no file is read for a value (the thread's
+// ScopedSettingsSnapshot is set for the call); without, the per-call rules
+// apply. REQUIRES: doc.Profile is set (doc.Template may be null).
 cCaptureReport CaptureDocument(cDocumentData& doc,
                                const cCaptureOptions& options,
                                const cSettingsSnapshot* settings);

@@ -63,18 +63,24 @@ bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bCoerce, bool bSuppressSpaces, bool bWhole,
                      bool bKeepSurrounding, std::string& strOutput,
                      std::string& strErrMsg, const std::string& strLogFile,
-                     const cSettingsSnapshot& settings);
+                     const cSettingsSnapshot& settings,
+                     cRepairTrace* trace = nullptr);
 
 // EvaluatePatternWith()
 //
 // EvaluatePattern() run on `engine`, so that a tool can show the elements
-// and candidates afterwards.
+// and candidates afterwards. With `trace`, a successful evaluation records
+// the spaces it removed, each character a variation mapped
+// ("pattern-variation") and the text left outside the matches
+// (docs/repair-trace.md); with the format log on, the steps are logged
+// there too.
 // REQUIRES: `engine` is newly created.
 bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
                          const std::string& strPatternSpec, bool bCoerce,
                          bool bSuppressSpaces, bool bWhole,
                          bool bKeepSurrounding, std::string& strOutput,
-                         std::string& strErrMsg, const std::string& strLogFile);
+                         std::string& strErrMsg, const std::string& strLogFile,
+                         cRepairTrace* trace = nullptr);
 
 // ValidatePatternValue()
 //
@@ -83,13 +89,15 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
 // else false with `strErrMsg` set as EvaluatePattern() does.
 bool ValidatePatternValue(const std::string& strText,
                           const std::string& strPatternSpec, bool bCoerce,
-                          std::string& strValue, std::string& strErrMsg);
+                          std::string& strValue, std::string& strErrMsg,
+                          cRepairTrace* trace = nullptr);
 
 // ValidatePatternValue() with the mappings of `settings`.
 bool ValidatePatternValue(const std::string& strText,
                           const std::string& strPatternSpec, bool bCoerce,
                           std::string& strValue, std::string& strErrMsg,
-                          const cSettingsSnapshot& settings);
+                          const cSettingsSnapshot& settings,
+                          cRepairTrace* trace = nullptr);
 
 }  // namespace pelinor
 

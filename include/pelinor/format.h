@@ -20,6 +20,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "pelinor/repair_trace.h"
 
 namespace pelinor {
 
@@ -47,9 +50,12 @@ class cFormat {
   // reads US amounts ("$", "s", "S" are dollar signs); 10004 and 10200 are
   // 4 and 200 with the recognised decimal point trusted. On success `out`
   // is the normalised number and the result is true; else `out` is "".
-  // Writes "FormatAmount:" lines to the format log.
-  bool FormatAmount(const std::string& value, std::string& out,
-                    int32_t code) const;
+  // Writes "FormatAmount:" lines to the format log. When `trace` is given
+  // each step that changed or interpreted the text is appended to it
+  // (docs/repair-trace.md); with the format log on, the steps are also
+  // logged after the existing lines.
+  bool FormatAmount(const std::string& value, std::string& out, int32_t code,
+                    cRepairTrace* trace = nullptr) const;
 
   // FormatNumeric()
   //
@@ -58,8 +64,9 @@ class cFormat {
   // dropped, look-alike characters are biased to digits. False, with
   // `out` unchanged, when nothing usable remains or the result ends in its
   // point.
-  bool FormatNumeric(const std::string& value, std::string& out,
-                     int32_t code) const;
+  // `trace` as for FormatAmount().
+  bool FormatNumeric(const std::string& value, std::string& out, int32_t code,
+                     cRepairTrace* trace = nullptr) const;
 
   // FormatDescr()
   //
@@ -165,8 +172,9 @@ class cFormat {
   // Repairs OCR confusions position by position and sets `out` to outward
   // code, blank, inward code. `code` is not used. False, with `out`
   // unchanged, when the shape cannot be repaired.
-  bool FormatPostCode(const std::string& value, std::string& out,
-                      int32_t code) const;
+  // `trace` as for FormatAmount().
+  bool FormatPostCode(const std::string& value, std::string& out, int32_t code,
+                      cRepairTrace* trace = nullptr) const;
 
   // IsInwardCode()
   //
@@ -194,9 +202,27 @@ class cFormat {
 
   bool FormatCurrencyValue(const std::string& value, std::string& out,
                            bool gbMode, const std::string& countryText,
-                           bool trustPoint) const;
+                           bool trustPoint,
+                           cRepairTrace* trace = nullptr) const;
+  // What a traced amount scan tells the implied-decimal step: where each
+  // character of the scanned text came from (one-based, in the caller's
+  // text) and how many digits followed the last point read (-1: none).
+  struct AmountScan {
+    std::vector<int32_t> origin;
+    int32_t decimals = -1;
+  };
   bool FormatNumericCurrency(const std::string& value, std::string& out,
-                             bool gbMode, bool trustPoint) const;
+                             bool gbMode, bool trustPoint,
+                             cRepairTrace* trace = nullptr,
+                             AmountScan* scan = nullptr) const;
+  // FormatPostCode() without tracing, and the trace of its result.
+  bool FormatPostCodeSteps(const std::string& value, std::string& out,
+                           int32_t code) const;
+  static void TracePostCode(const std::string& value, const std::string& out,
+                            cRepairTrace& trace);
+  // Records how the implied decimal point of an amount was decided.
+  static void TraceImpliedDecimals(int32_t decimals, const std::string& digits,
+                                   const std::string& out, cRepairTrace& trace);
   static void RemoveSubstring(std::string& value, std::string_view part);
   static void RemoveChar(std::string& value, char c);
   static bool IsAmountChars(std::string_view value);

@@ -16,6 +16,7 @@
 #define PELINOR_PATTERN_ENGINE_H_
 
 #include <string>
+#include <string_view>
 
 // Pattern specifications and matching.
 #include <cstdint>
@@ -26,10 +27,15 @@
 #include "pelinor/collection.h"
 #include "pelinor/pattern_element.h"
 #include "pelinor/reg_exp.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/sbs_char_replace.h"
 // End of pattern specifications and matching.
 
 namespace pelinor {
+
+namespace internal {
+class SpecProgram;
+}  // namespace internal
 
 // Pattern specifications and matching: the messages.
 inline constexpr char kNestedGroupError[] =
@@ -149,6 +155,13 @@ class cPatternEngine {
   const std::string& EvaluatedText() const { return evaluated_text_; }
   int32_t VariationCount() const { return variation_count_; }
 
+  // BestCandidateIndex()
+  //
+  // The zero-based index in Candidates() of the candidate the last
+  // BestCandidateWhole() or BestCandidateSubPattern() chose; -1 when it
+  // chose none.
+  int32_t BestCandidateIndex() const { return best_; }
+
   // =====================================================================
   // Month-name and date coercion
   // =====================================================================
@@ -169,7 +182,9 @@ class cPatternEngine {
   // its abbreviation; with none or several the text stays as it is. Logs
   // "cPatternEngine.CoerceShortMonthInString:monthCount=<n>" and
   // "cPatternEngine.CoerceShortMonthInString:strInOut=<text>".
-  void CoerceShortMonthInString(std::string& strInOut) const;
+  // With `trace`, a repaired abbreviation is recorded as "month-repaired".
+  void CoerceShortMonthInString(std::string& strInOut,
+                                cRepairTrace* trace = nullptr) const;
 
   // coerceNameDate()
   //
@@ -179,7 +194,8 @@ class cPatternEngine {
   // "HalvernLocale". False, with `strOut` unchanged, when no such date is
   // found. Logs "cPatternEngine.coerceNameDate(<text>)" and
   // "cPatternEngine.coerceNameDate post CoerceShortMonthInString-><text>".
-  bool coerceNameDate(const std::string& strIn, std::string& strOut) const;
+  bool coerceNameDate(const std::string& strIn, std::string& strOut,
+                      cRepairTrace* trace = nullptr) const;
 
   // coerceFrenchDate()
   // coercePortugueseDate()
@@ -207,8 +223,13 @@ class cPatternEngine {
   // English ones. When that fails, the general coercion reads the text as
   // cFormat::FormatDate() does for the same format name. `bSuccess` tells
   // whether `strOut` was set; on failure `strOut` is unchanged.
+  //
+  // With `trace`, each step that changed or interpreted the text is
+  // appended to it (docs/repair-trace.md); with the format log on, the
+  // steps are also logged after the existing lines.
   void CoerceDate(const std::string& strIn, std::string& strOut,
-                  const std::string& strDateFormat, bool& bSuccess) const;
+                  const std::string& strDateFormat, bool& bSuccess,
+                  cRepairTrace* trace = nullptr) const;
 
   // =====================================================================
   // Format log
@@ -230,6 +251,12 @@ class cPatternEngine {
                           std::vector<std::string>& variations);
   // Joins each candidate's match values into its candidate text.
   void BuildCandidateTexts();
+  // Runs RegExpFormat over `text` with Global set: through the loaded
+  // specification's own matcher while RegExpFormat is the expression the
+  // load assembled, else through the regular-expression object.
+  // REQUIRES: EnsureRegExp() succeeded.
+  bool RunExpression(std::string_view text, cMatchCollection& matches,
+                     std::string& strErrMsg);
 
   std::vector<cPatternElement> elements_;
   cMetaRules meta_rules_;
@@ -237,12 +264,26 @@ class cPatternEngine {
   std::vector<cPatternCandidate> candidates_;
   std::string evaluated_text_;
   int32_t variation_count_ = 0;
+  int32_t best_ = -1;
+  // The last loaded specification's matcher and the expression it stands
+  // for; null when the specification is too long for it.
+  std::shared_ptr<const internal::SpecProgram> program_;
+  std::string loaded_expression_;
   // End of pattern specifications and matching.
 
   // Reads a date with a month name of the table `language` (an index of
   // the month tables) and writes its stored form to `strOut`.
+  // With `trace`, the month word is recorded; `formatLanguage` is the
+  // language the date format asked for, so that a name read in another one
+  // is recorded too.
   static bool coerceLanguageDate(int language, const std::string& strIn,
-                                 std::string& strOut);
+                                 std::string& strOut,
+                                 cRepairTrace* trace = nullptr,
+                                 int formatLanguage = -1);
+  // Records the year, day/month order and layout steps of a coerced date.
+  static void TraceDateResult(const std::string& strIn,
+                              const std::string& strOut, bool named,
+                              cRepairTrace& trace);
 };
 
 }  // namespace pelinor

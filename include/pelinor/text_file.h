@@ -23,7 +23,10 @@
 // TextWriter writes a new file beside its target and renames it over the
 // target on Commit(), so another process sees the old file or the new one,
 // never a mix. A writer destroyed or abandoned before Commit() removes its
-// temporary file and leaves the target untouched.
+// temporary file and leaves the target untouched. Writing to a symbolic
+// link replaces the file the link points to; the link stays. Temporary files
+// of writes in flight are listed, so that a program ended by a signal can
+// remove them (RemoveTemporaryFiles()).
 //
 // Thread safety: a reader or writer object is used by one thread at a time;
 // separate objects are independent.
@@ -232,15 +235,42 @@ class TextWriter {
   // False once a write has failed.
   bool ok() const { return ok_; }
 
+  // error()
+  //
+  // The system error number of the first failure (0 when none).
+  int error() const { return error_; }
+
  private:
   void Flush();
+  void Fail(int error);
 
   int fd_ = -1;
   bool ok_ = false;
+  int error_ = 0;
+  int slot_ = -1;  // place in the list of temporary files in flight
   std::string target_;
   std::string temp_;
   std::string buffer_;
 };
+
+// LastFileError()
+//
+// The system error number of the latest failed open of a TextReader or
+// failed write of a TextWriter on the calling thread, so that a program can
+// say why a reader or writer answered with its fixed message; 0 when none
+// failed since ClearFileError().
+int LastFileError();
+void ClearFileError();
+
+// RemoveTemporaryFiles()
+//
+// Removes the temporary files of every TextWriter between Create() and the
+// end of its Commit() or Abandon(), in any thread. Only calls unlink(), so a
+// signal handler may call it; a program that ends on SIGTERM, SIGINT or
+// SIGHUP calls it before it goes, so that no ".<name>.tmp-XXXXXX" file is
+// left behind. Writers of paths longer than 4095 bytes, and writers beyond
+// the 256th at once, are not listed.
+void RemoveTemporaryFiles();
 
 }  // namespace pelinor
 

@@ -103,8 +103,7 @@ TEST(CaptureDocument, CapturesTheExampleInvoices) {
       {"INV0001", "PurchaseOrder", "P0-004521", "PO-004521", 0, ""},
       {"INV0001", "Line 1 Quantity", "1O", "10", 0, ""},
       {"INV0001", "Line 3 UnitPrice", "7.5O", "7.50", 0, ""},
-      {"INV0003", "InvoiceDate", "3. M\xE4rz 2004", "3. M\xE4rz 2004", 2,
-       "Date expected as dd/mm/yyyy"},
+      {"INV0003", "InvoiceDate", "3. M\xE4rz 2004", "03/03/2004", 0, ""},
       {"INV0003", "VATNumber", "GB12345678", "GB12345678", 2,
        "Value does not match the pattern GB000000000(000)"},
       {"INV0003", "DueDate", "1.2.03", "01/02/2003", 0, ""},
@@ -132,9 +131,8 @@ TEST(CaptureDocument, CapturesTheExampleInvoices) {
   } docs[] = {
       {"INV0001", 0, "", "DocStatus:0\r\nDocMessage:\r\n"},
       {"INV0002", 0, "", "Field2Value:14/05/2004\r\nField2Status:0\r\n"},
-      {"INV0003", 2, "2 values are not valid: InvoiceDate, VATNumber",
-       "DocStatus:2\r\nDocMessage:2 values are not valid: InvoiceDate, "
-       "VATNumber\r\n"},
+      {"INV0003", 2, "1 value is not valid: VATNumber",
+       "DocStatus:2\r\nDocMessage:1 value is not valid: VATNumber\r\n"},
   };
   for (const DocCase& c : docs) {
     SCOPED_TRACE(c.doc);
@@ -144,7 +142,7 @@ TEST(CaptureDocument, CapturesTheExampleInvoices) {
                      false, &report);
     EXPECT_EQ(report.Status, c.status);
     EXPECT_EQ(report.Message, c.message);
-    EXPECT_EQ(report.InvalidCount, c.status == 0 ? 0 : 2);
+    EXPECT_EQ(report.InvalidCount, c.status == 0 ? 0 : 1);
     EXPECT_NE(written.find(c.stored), std::string::npos) << written;
   }
 }
@@ -200,7 +198,7 @@ TEST(CaptureDocument, RecaptureWritesTheSameBytes) {
     }
     // The corpus exercises both outcomes.
     EXPECT_GT(valid, 1000) << locale;
-    EXPECT_GT(invalid, 1000) << locale;
+    EXPECT_GT(invalid, 800) << locale;
   }
 }
 

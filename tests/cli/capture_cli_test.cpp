@@ -58,19 +58,21 @@ TEST(CaptureCli, CleansValidatesAndWritesEachDocument) {
     const char* shown;   // a row of the table
     const char* stored;  // the same value in the written tag file
   } cases[] = {
-      {"SupplierPostCode  M1 IAA        M1 1AA        ok",
+      {"InvoiceDate       3. M\xC3\xA4rz 2004  03/03/2004  repair  ok",
+       "Field2Value:03/03/2004\r\n"},
+      {"SupplierPostCode  M1 IAA        M1 1AA      repair  ok",
        "Field4Value:M1 1AA\r\nField4Status:0\r\nField4Message:\r\n"},
-      {"TotalAmount       \xC2\xA3 96.0O       96.00         ok",
+      {"TotalAmount       \xC2\xA3 96.0O       96.00       repair  ok",
        "Field3Value:96.00\r\n"},
-      {"DueDate           1.2.03        01/02/2003    ok",
+      {"DueDate           1.2.03        01/02/2003  guess   ok",
        "Field6Value:01/02/2003\r\n"},
-      {"VATNumber         GB12345678    GB12345678    FAIL: Value does not "
+      {"VATNumber         GB12345678    GB12345678  -       FAIL: Value does "
+       "not "
        "match the pattern GB000000000(000)",
        "Field5Status:2\r\nField5Message:Value does not match the pattern "
        "GB000000000(000)\r\n"},
-      {"in.tag: status 2, 2 values are not valid: InvoiceDate, VATNumber",
-       "DocStatus:2\r\nDocMessage:2 values are not valid: InvoiceDate, "
-       "VATNumber\r\n"},
+      {"in.tag: status 2, 1 value is not valid: VATNumber",
+       "DocStatus:2\r\nDocMessage:1 value is not valid: VATNumber\r\n"},
   };
   const std::string written = ReadFile(dir.File("in.tag"));
   for (const Case& c : cases) {
@@ -78,6 +80,67 @@ TEST(CaptureCli, CleansValidatesAndWritesEachDocument) {
     EXPECT_NE(r.out.find(c.shown), std::string::npos) << r.out;
     EXPECT_NE(written.find(c.stored), std::string::npos) << written;
   }
+}
+
+TEST(CaptureCli, ReviewGuessSendsGuessesToBeChecked) {
+  TempDir dir;
+  WriteFile(dir.File("a.tag"), ReadFile(Example("documents/INV0001.tag")));
+  WriteFile(dir.File("b.tag"), ReadFile(Example("documents/INV0003.tag")));
+  CommandResult r = RunPelinor(Args({"--review", "guess", "--in-place",
+                                     dir.File("a.tag"), dir.File("b.tag")}),
+                               Env(dir));
+  ASSERT_EQ(r.status, 0) << r.err;
+  struct Case {
+    const char* file;
+    const char* shown;   // in the table
+    const char* stored;  // in the written tag file
+  } cases[] = {
+      {"a.tag",
+       "a.tag: status 3, 2 values need checking: VATAmount, Line 3 "
+       "Quantity",
+       "DocStatus:3\r\nDocMessage:2 values need checking: VATAmount, Line 3 "
+       "Quantity\r\n"},
+      {"a.tag",
+       "VATAmount           S5                       .55                      "
+       "guess     Check: S read as 5 at position 1; no decimal point, last "
+       "two digits taken as pence",
+       "Field6Value:.55\r\nField6Status:3\r\nField6Message:Check: S read "
+       "as 5 at position 1; no decimal point, last two digits taken as "
+       "pence\r\n"},
+      {"a.tag",
+       "InvoiceDate         12 0CT 2003              12/10/2003               "
+       "repair    ok",
+       "Field2Value:12/10/2003\r\nField2Status:0\r\n"},
+      {"a.tag", "",
+       "Line3Status:3\r\nLine3Message:A value of the line needs "
+       "checking\r\n"},
+      // An invalid value wins over one to check.
+      {"b.tag", "b.tag: status 2, 1 value is not valid: VATNumber",
+       "DocStatus:2\r\nDocMessage:1 value is not valid: VATNumber\r\n"},
+      {"b.tag",
+       "DueDate           1.2.03        01/02/2003  guess   Check: 03 read as "
+       "2003; day and month could be either way round: 01/02 taken in the "
+       "locale's order; written as 01/02/2003",
+       "Field6Value:01/02/2003\r\nField6Status:3\r\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.shown);
+    EXPECT_NE(r.out.find(c.shown), std::string::npos) << r.out;
+    const std::string written = ReadFile(dir.File(c.file));
+    EXPECT_NE(written.find(c.stored), std::string::npos) << written;
+  }
+  // Capturing again changes nothing: values to check keep their status.
+  const std::string before = ReadFile(dir.File("a.tag"));
+  r = RunPelinor(Args({"--review", "guess", "--in-place", dir.File("a.tag")}),
+                 Env(dir));
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(ReadFile(dir.File("a.tag")), before);
+  // Only guesses can be reviewed.
+  r = RunPelinor(Args({"--review", "repair", dir.File("a.tag")}), Env(dir));
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("--review takes guess, not \"repair\""),
+            std::string::npos)
+      << r.err;
 }
 
 TEST(CaptureCli, PrintsJsonAndReportsBadInput) {
@@ -231,7 +294,7 @@ TEST(CaptureCli, JobsGiveTheSameFilesAndOutput) {
       for (const char* key : {"file", "written", "status", "message"}) {
         EXPECT_TRUE(j.contains(key)) << key;
       }
-      EXPECT_EQ(j["values"][0].size(), 5u);
+      EXPECT_EQ(j["values"][0].size(), 8u);  // with changed, risk, steps
       EXPECT_LT(previous, j["file"].get<std::string>());
       previous = j["file"].get<std::string>();
       ++count;

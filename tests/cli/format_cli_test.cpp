@@ -108,6 +108,46 @@ TEST(FormatCli, PrintsOneResultPerValue) {
   }
 }
 
+TEST(FormatCli, ExplainsEachRepairUnderItsValue) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string out;
+  };
+  const Case cases[] = {
+      {{"format", "-t", "AMOUNT", "--explain", "USD 12.50", "12.50"},
+       "USD 12.50\t512.50\n"
+       "  guess    char-dropped: U dropped at position 1\n"
+       "  guess    bias-digit: S read as 5 at position 2\n"
+       "  guess    char-dropped: D dropped at position 3\n"
+       "  cosmetic separator-dropped: 1 separator (space or comma) removed\n"
+       "12.50\t12.50\n"
+       "  no change\n"},
+      {{"format", "-t", "DATEGB", "--explain", "12 0CT 2003"},
+       "12 0CT 2003\t12/10/2003\n"
+       "  repair   month-repaired: 0CT read as OCT\n"
+       "  cosmetic date-layout: written as 12/10/2003\n"},
+      {{"validate", "-t", "POSTCODE", "--explain", "M1 IAA"},
+       "M1 IAA\tnot a valid POSTCODE\n"
+       "  repair   bias-digit: I read as 1 at position 4\n"},
+      {{"pattern", "--spec", "LL(0)(0)(0)(0)", "--coerce", "--explain",
+        "AB12O4"},
+       "AB1204\n"
+       "  repair   pattern-variation: O at 5 mapped to 0\n"},
+      {{"pattern", "--spec", "0000", "--coerce", "--explain", "1 O5I"},
+       "1051\n"
+       "  cosmetic spaces-removed: 1 space removed\n"
+       "  repair   pattern-variation: O at 3 mapped to 0\n"
+       "  repair   pattern-variation: I at 5 mapped to 1\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.args[0] + " " + c.args.back());
+    LocaleEnv env("GB");
+    const auto result = RunPelinor(c.args, env.Env());
+    EXPECT_EQ(result.out, c.out);
+    EXPECT_EQ(result.err, "");
+  }
+}
+
 TEST(FormatCli, GivesTheFullAnswerAsJson) {
   LocaleEnv env("GB");
   const auto result = RunPelinor(
@@ -117,9 +157,16 @@ TEST(FormatCli, GivesTheFullAnswerAsJson) {
   const auto json = nlohmann::json::parse(result.out);
   const auto expected = nlohmann::json::parse(R"([
     {"input": "1er f\u00e9vrier 2004", "valid": true,
-     "output": "01/02/2004", "message": ""},
+     "output": "01/02/2004", "message": "", "changed": true,
+     "steps": [{"rule": "month-name", "class": "cosmetic", "position": 5,
+                "sentence": "f\u00e9vrier read as month 2",
+                "before": "f\u00e9vrier", "after": "f\u00e9vrier"},
+               {"rule": "date-layout", "class": "cosmetic", "position": 0,
+                "sentence": "written as 01/02/2004",
+                "before": "1er f\u00e9vrier 2004", "after": "01/02/2004"}]},
     {"input": "x", "valid": false, "output": "",
-     "message": "cannot be formatted as DATEFR"}])");
+     "message": "cannot be formatted as DATEFR", "changed": false,
+     "steps": []}])");
   EXPECT_EQ(json, expected);
 }
 
@@ -158,8 +205,14 @@ TEST(FormatCli, WritesTheFormatLog) {
     messages.push_back(text.substr(at + 20, end - at - 20));
   }
   const std::vector<std::string> expected = {
-      "FormatAmount:GBP 12.50", "--> FormatNumericCurrency: P 12.50",
-      "<-- FormatNumericCurrency: 1250", "FormatAmount>:12.50"};
+      "FormatAmount:GBP 12.50",
+      "--> FormatNumericCurrency: P 12.50",
+      "<-- FormatNumericCurrency: 1250",
+      "FormatAmount>:12.50",
+      "Repair:country-removed:cosmetic:1:GB removed at position 1",
+      "Repair:char-dropped:guess:3:P dropped at position 3",
+      "Repair:separator-dropped:cosmetic:4:1 separator (space or comma) "
+      "removed"};
   EXPECT_EQ(messages, expected);
 }
 

@@ -70,11 +70,13 @@ TEST(ProfileCli, ShowsProfilesAndReportsReadErrors) {
       {{"profile", "show", dir.File("none.ini")},
        1,
        "",
-       "pelinor: Cannot find file " + dir.File("none.ini") + "\n"},
+       "pelinor: " + dir.File("none.ini") +
+           ": cannot read: No such file or directory\n"},
       {{"profile", "show", dir.File("short.ini")},
        1,
        "",
-       "pelinor: Invalid version number\n"},
+       "pelinor: " + dir.File("short.ini") +
+           ": has no version line (\"ver...\"), not a configuration file\n"},
       {{"profile", "show", dir.File("nomain.ini")},
        1,
        "",
@@ -167,7 +169,8 @@ TEST(DetectAndScanCli, ShowSettings) {
       {{"scan", "show", dir.File("none.ini")},
        1,
        "",
-       "pelinor: Cannot find file " + dir.File("none.ini") + "\n"},
+       "pelinor: " + dir.File("none.ini") +
+           ": cannot read: No such file or directory\n"},
   });
   WriteFile(dir.File("detect.ini"),
             "[MAIN]\r\nDiscardCount:1\r\nDiscard1:COPY\r\n"

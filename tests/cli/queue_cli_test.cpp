@@ -114,7 +114,8 @@ TEST(QueueCli, ReportsErrors) {
     std::string err;
   } cases[] = {
       {{"queue", "show", missing},
-       "pelinor: " + missing + ": Unable to open queue file\n"},
+       "pelinor: " + missing +
+           ": Unable to open queue file: No such file or directory\n"},
       {{"queue", "show", dir.File("bad.txt")},
        "pelinor: " + dir.File("bad.txt") +
            ": Error reading queue file. Incorrect parameter\n"},

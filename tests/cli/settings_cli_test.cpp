@@ -78,7 +78,8 @@ TEST(SettingsCli, PrintsValuesLinesAndStates) {
           {{"get", missing, "Main", "TemplateDir"},
            1,
            "",
-           "pelinor: Cannot find file " + missing + "\n"},
+           "pelinor: " + missing +
+               ": cannot read: No such file or directory\n"},
           {{"section", "FILE", "HoldReasons"},
            0,
            "Supplier unknown\n  PO missing\n",
@@ -96,7 +97,8 @@ TEST(SettingsCli, PrintsValuesLinesAndStates) {
           {{"states", missing},
            1,
            "",
-           "pelinor: Cannot find file " + missing + "\n"},
+           "pelinor: " + missing +
+               ": cannot read: No such file or directory\n"},
       },
       file);
 }

@@ -54,15 +54,18 @@ TEST(TemplateCli, ShowsTemplates) {
       {{"template", "show", dir.File("none.tpl")},
        1,
        "",
-       "pelinor: Cannot find file " + dir.File("none.tpl") + "\n"},
+       "pelinor: " + dir.File("none.tpl") +
+           ": cannot read: No such file or directory\n"},
       {{"template", "show", dir.File("short.tpl")},
        1,
        "",
-       "pelinor: Invalid version number\n"},
+       "pelinor: " + dir.File("short.tpl") +
+           ": has no version line (\"ver...\"), not a configuration file\n"},
       {{"template", "show", dir.File("bad.tpl")},
        1,
        "",
-       "pelinor: Error reading template file. Incorrect parameter\n"},
+       "pelinor: " + dir.File("bad.tpl") +
+           ": Error reading template file. Incorrect parameter\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args.back());
@@ -144,8 +147,8 @@ TEST(TemplateCli, UpgradesOldTemplates) {
   const CommandResult r =
       RunPelinor({"template", "upgrade", old, dir.File("no/new.tpl")});
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err,
-            "pelinor: Cannot create file " + dir.File("no/new.tpl") + "\n");
+  EXPECT_EQ(r.err, "pelinor: Cannot create file " + dir.File("no/new.tpl") +
+                       ": No such file or directory\n");
 }
 
 }  // namespace

@@ -18,3 +18,17 @@ if(TARGET cli_tests)
   target_link_libraries(cli_tests PRIVATE nlohmann_json::nlohmann_json)
   add_dependencies(cli_tests pelinor_cli)
 endif()
+# The program as people and scripts run it: exit statuses, messages, files
+# left alone, output, encoding, the man page and the completion.
+if(TARGET pelinor_cli)
+  add_test(NAME program
+    COMMAND bash ${PROJECT_SOURCE_DIR}/tests/cli/program_test.sh
+            $<TARGET_FILE:pelinor_cli> ${PROJECT_SOURCE_DIR}
+            ${PROJECT_BINARY_DIR})
+endif()
+# What a consumer of the installed package gets.
+if(TARGET pelinor_cli)
+  add_test(NAME package
+    COMMAND bash ${PROJECT_SOURCE_DIR}/tests/cli/package_test.sh
+            ${PROJECT_BINARY_DIR})
+endif()

@@ -4,11 +4,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "core/reg_file_store.h"
 #include "pelinor/file_system.h"
 #include "test_util.h"
 
@@ -296,7 +298,15 @@ TEST(Registry, SkipsMalformedLines) {
     EXPECT_EQ(reg.RegGetStringValue(kHkeyLocalMachine, "Software\\Test", "ok",
                                     "dflt"),
               c.expected);
-    // Writing into the file keeps what could be read.
+    // Writing into a registry export keeps what could be read; a file
+    // without the header line is not the store's to replace.
+    if (!registry_internal::IsRegistryText(c.contents)) {
+      EXPECT_EQ(reg.RegSetStringValue(kHkeyLocalMachine, "Software\\Test",
+                                      "new", "v"),
+                -1);
+      EXPECT_EQ(ReadFile(stores.machine()), c.contents);
+      continue;
+    }
     EXPECT_EQ(
         reg.RegSetStringValue(kHkeyLocalMachine, "Software\\Test", "new", "v"),
         0);
@@ -495,6 +505,53 @@ TEST(Registry, ReportsStoresThatCannotBeWritten) {
     }
   }
   EXPECT_EQ(ReadFile(dir.File("file")), "x");
+}
+
+// A store file that is not a registry export is someone else's file: a
+// write never replaces it.
+TEST(Registry, LeavesFilesThatAreNotRegistryExportsAlone) {
+  struct Case {
+    const char* name;
+    std::string bytes;
+    bool is_registry;
+  } cases[] = {
+      {"settings file", "ver0.946\r\n[Main]\r\nDisplayName:x\r\n", false},
+      {"binary", std::string("MZ\0\x90\0\x03", 6), false},
+      {"export", kHeader + kTestKey + "\"v\"=\"x\"\r\n", true},
+      {"old export", "REGEDIT4\r\n", true},
+      {"blank lines first", "\r\n\r\n" + kHeader, true},
+      {"UTF-8 byte-order mark", "\xEF\xBB\xBF" + kHeader, true},
+      {"UTF-16 export", Utf16(kHeader), true},
+      {"UTF-16 with NUL",
+       Utf16("Windows Registry Editor Version 5.00") + std::string("\0\0", 2),
+       false},
+      {"empty", "", true},
+  };
+  const cRegistry reg;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Stores stores;
+    WriteFile(stores.machine(), c.bytes);
+    EXPECT_EQ(registry_internal::IsRegistryText(c.bytes), c.is_registry);
+    EXPECT_EQ(registry_internal::InspectStoreFile(stores.machine()),
+              c.is_registry ? registry_internal::StoreFileState::kReady
+                            : registry_internal::StoreFileState::kForeign);
+    const int32_t status =
+        reg.RegSetStringValue(kHkeyLocalMachine, "Software\\T", "v", "x");
+    if (c.is_registry) {
+      EXPECT_EQ(status, 0);
+    } else {
+      EXPECT_EQ(status, -1);
+      EXPECT_EQ(ReadFile(stores.machine()), c.bytes);
+    }
+  }
+  TempDir dir;
+  EXPECT_EQ(registry_internal::InspectStoreFile(dir.File("none.reg")),
+            registry_internal::StoreFileState::kMissing);
+  int error = 0;
+  EXPECT_EQ(registry_internal::InspectStoreFile(dir.path(), &error),
+            registry_internal::StoreFileState::kUnreadable);
+  EXPECT_EQ(error, EISDIR);
 }
 
 TEST(Registry, ConcurrentWritersKeepEveryValue) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <vector>
 
@@ -239,6 +240,86 @@ TEST(TextWriter, KeepsTheTargetsPermissions) {
   struct stat st;
   ASSERT_EQ(stat(path.c_str(), &st), 0);
   EXPECT_EQ(st.st_mode & 0777, 0640u);
+}
+
+TEST(TextWriter, ReplacesTheTargetOfASymbolicLink) {
+  TempDir dir;
+  std::filesystem::create_directory(dir.File("real"));
+  WriteFile(dir.File("real/file.txt"), "old\r\n");
+  struct Case {
+    const char* link;
+    std::string points_to;  // as stored in the link
+  } cases[] = {
+      {"relative.txt", "real/file.txt"},
+      {"absolute.txt", dir.File("real/file.txt")},
+      {"chain.txt", "relative.txt"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.link);
+    std::filesystem::create_symlink(c.points_to, dir.File(c.link));
+    TextWriter w;
+    ASSERT_TRUE(w.Create(dir.File(c.link)));
+    w.WriteLine(c.link);
+    ASSERT_TRUE(w.Commit());
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.File(c.link)));
+    EXPECT_EQ(ReadFile(dir.File("real/file.txt")),
+              std::string(c.link) + "\r\n");
+  }
+  // A dangling link gets its target created.
+  std::filesystem::create_symlink("real/new.txt", dir.File("dangling.txt"));
+  TextWriter w;
+  ASSERT_TRUE(w.Create(dir.File("dangling.txt")));
+  w.WriteLine("new");
+  ASSERT_TRUE(w.Commit());
+  EXPECT_TRUE(std::filesystem::is_symlink(dir.File("dangling.txt")));
+  EXPECT_EQ(ReadFile(dir.File("real/new.txt")), "new\r\n");
+}
+
+TEST(TextWriter, TellsTheSystemsReason) {
+  TempDir dir;
+  std::filesystem::create_directory(dir.File("directory"));
+  struct Case {
+    std::string path;
+    int error;
+  } cases[] = {
+      {dir.File("no/such/file.txt"), ENOENT},
+      {dir.File("directory"), EISDIR},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.path);
+    ClearFileError();
+    TextWriter w;
+    EXPECT_FALSE(w.Create(c.path));
+    EXPECT_EQ(w.error(), c.error);
+    EXPECT_EQ(LastFileError(), c.error);
+  }
+  ClearFileError();
+  TextReader r;
+  EXPECT_FALSE(r.Open(dir.File("none.txt")));
+  EXPECT_EQ(LastFileError(), ENOENT);
+}
+
+TEST(TextWriter, RemovesTemporaryFilesOfWritesInFlight) {
+  TempDir dir;
+  WriteFile(dir.File("a.txt"), "kept\r\n");
+  TextWriter a, b;
+  ASSERT_TRUE(a.Create(dir.File("a.txt")));
+  ASSERT_TRUE(b.Create(dir.File("b.txt")));
+  a.WriteLine(std::string(1 << 17, 'x'));
+  RemoveTemporaryFiles();
+  std::vector<std::string> names;
+  for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
+    names.push_back(e.path().filename().string());
+  }
+  EXPECT_EQ(names, std::vector<std::string>{"a.txt"});
+  EXPECT_EQ(ReadFile(dir.File("a.txt")), "kept\r\n");
+  // A finished write is no longer listed: its file stays.
+  TextWriter c;
+  ASSERT_TRUE(c.Create(dir.File("c.txt")));
+  c.WriteLine("done");
+  ASSERT_TRUE(c.Commit());
+  RemoveTemporaryFiles();
+  EXPECT_EQ(ReadFile(dir.File("c.txt")), "done\r\n");
 }
 
 }  // namespace

@@ -177,6 +177,12 @@ TEST(FormatAmountLog, WritesTheFourLinesWhenEnabled) {
       "--> FormatNumericCurrency: P 12.50",
       "<-- FormatNumericCurrency: 1250",
       "FormatAmount>:12.50",
+      // The repair steps follow the existing lines, for a value that
+      // formats.
+      "Repair:country-removed:cosmetic:1:GB removed at position 1",
+      "Repair:char-dropped:guess:3:P dropped at position 3",
+      "Repair:separator-dropped:cosmetic:4:1 separator (space or comma) "
+      "removed",
       "FormatAmount:abc",
       "--> FormatNumericCurrency: abc",
       "<-- FormatNumericCurrency: ",

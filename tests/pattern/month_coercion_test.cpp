@@ -39,12 +39,15 @@ TEST(CoerceShortMonthInString, ReplacesOnlyASingleHitAndLogsIt) {
     const char* expected;
   } cases[] = {
       {"12 0CT 2003", 1, "12 OCT 2003"},
-      {"le 5ep. 2003", 1, "le SEP. 2003"},
+      // The text is upper-cased whatever it holds.
+      {"le 5ep. 2003", 1, "LE SEP. 2003"},
+      {"12 octobre 2003", 1, "12 OCTOBRE 2003"},
+      {"0ct n0v", 2, "0CT N0V"},
       {"12 OCTOBER 2003", 1, "12 OCTOBER 2003"},
       {"12/10/2003", 0, "12/10/2003"},
       {"0CT N0V", 2, "0CT N0V"},
       {"JAN DEC", 2, "JAN DEC"},
-      {"ab", 0, "ab"},
+      {"ab", 0, "AB"},
       {"", 0, ""},
   };
   for (const Case& c : cases) {
@@ -75,7 +78,7 @@ TEST(CoerceDate, ReadsMonthNamesOfTheFormatsLanguage) {
       {"12 0CT 2003", "DATEGB", "GB", "12/10/2003"},
       {"12 5EP 2003", "DATEGB", "GB", "12/09/2003"},
       {"MARCH 3RD 2004", "dategb", "GB", "03/03/2004"},
-      {"12 Oct 2003", "DATEDE", "GB", ""},  // not a German name
+      {"12 Oct 2003", "DATEDE", "GB", "12/10/2003"},  // English, after German
       // French.
       {"12 octobre 2003", "DATEFR", "GB", "12/10/2003"},
       {"12 0ctobre 2003", "DATEFR", "GB", "12/10/2003"},
@@ -126,6 +129,45 @@ TEST(CoerceDate, ReadsMonthNamesOfTheFormatsLanguage) {
   }
 }
 
+TEST(CoerceDate, ReadsEveryLanguagesMonthNamesWhateverTheType) {
+  struct Case {
+    const char* text;
+    const char* format;
+    const char* locale;
+    const char* out;  // "" when no date is found
+  } cases[] = {
+      {"3. M\344rz 2004", "DATEGB", "GB", "03/03/2004"},
+      {"3. M\344rz 2004", "DATE", "GB", "03/03/2004"},
+      {"3. M\344rz 2004", "DATEUS", "US", "03/03/2004"},
+      {"12 OCT 2003", "DATEDE", "GB", "12/10/2003"},
+      {"12 0CT 2003", "DATEIT", "GB", "12/10/2003"},
+      {"15 de mar\347o de 2004", "DATEGB", "GB", "15/03/2004"},
+      {"7 dicembre 2004", "DATEUS", "US", "12/07/2004"},
+      {"12 0ktober 2003", "DATEGB", "GB", "12/10/2003"},
+      {"2 ju1n 2004", "DATEIT", "GB", "02/06/2004"},
+      // Look-alike digits and marks inside the name.
+      {"3 ju1l 2004", "DATEFR", "GB", "03/07/2004"},
+      {"3 AU6 2004", "DATEES", "GB", "03/08/2004"},
+      {"1 5ept 2004", "DATEDE", "GB", "01/09/2004"},
+      {"9 |uglio 2004", "DATEGB", "GB", "09/07/2004"},
+      {"4 0ez 2004", "DATEIT", "GB", "04/12/2004"},
+      // A number written against the month stays a number.
+      {"12 OCT2003", "DATEDE", "GB", "12/10/2003"},
+      // Still no date.
+      {"31 februar 2004", "DATEGB", "GB", ""},
+      {"12 2003", "DATEFR", "GB", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.text) + " " + c.format + " " + c.locale);
+    FormatEnv env(c.locale);
+    std::string out = "unchanged";
+    bool success = !*c.out;
+    cPatternEngine().CoerceDate(c.text, out, c.format, success);
+    EXPECT_EQ(success, *c.out != '\0');
+    EXPECT_EQ(out, *c.out != '\0' ? c.out : "unchanged");
+  }
+}
+
 TEST(CoerceDate, LogsTheEnglishCoercion) {
   FormatEnv env;
   env.LogOn();
@@ -140,6 +182,9 @@ TEST(CoerceDate, LogsTheEnglishCoercion) {
       "cPatternEngine.CoerceShortMonthInString:strInOut=12 OCT 2003",
       "cPatternEngine.coerceNameDate post CoerceShortMonthInString->12 OCT "
       "2003",
+      // The repair steps follow the existing lines.
+      "Repair:month-repaired:repair:4:0CT read as OCT",
+      "Repair:date-layout:cosmetic:0:written as 12/10/2003",
   };
   EXPECT_EQ(env.LogMessages(), expected);
 }

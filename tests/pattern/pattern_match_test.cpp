@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "pattern/spec_matcher.h"
 #include "pelinor/pattern_engine.h"
 
 namespace pelinor {
@@ -129,7 +130,12 @@ TEST(PatternMatch, VariationsComeFewestReplacementsFirst) {
       {"L0", "B8", "B88BBb", "B8"},
       {"0L", "B8", "B88BBb", "B8 8B"},
       {"\"O\"0", "0O", "0OO0", "0O O0"},
-      {"0", "ab", "a1a1b2x3", "ab 1b a2"}};
+      {"0", "ab", "a1a1b2x3", "ab 1b a2 12"},
+      // Characters the expression already matches change last; misreads
+      // at separate places are repaired together, fewest first.
+      {"LL(0)(0)(0)(0)", "AB12O4", "2ZO0", "AB12O4 AB1204 AB1ZO4"},
+      {"L(0)", "A8B", "8BB8", "A8B ABB AB8"},
+      {"0", "aba", "a1b2", "aba 1ba a2a ab1 12a 1b1 a21 121"}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.spec + " on " + c.text);
     cPatternEngine engine;
@@ -143,6 +149,113 @@ TEST(PatternMatch, VariationsComeFewestReplacementsFirst) {
     EXPECT_EQ(variations, c.variations);
     EXPECT_EQ(engine.VariationCount(),
               static_cast<int32_t>(engine.Candidates().size()));
+  }
+}
+
+TEST(PatternMatch, CoercionTriesTheSmallestRepairFirst) {
+  // Built-in mappings, whole mode.
+  struct Case {
+    std::string spec, text;
+    bool ok;
+    std::string value;
+  };
+  const Case cases[] = {
+      // A "2" that fits stays a digit; only the "O" is repaired.
+      {"LL(0)(0)(0)(0)", "AB12O4", true, "AB1204"},
+      {"LL(0)(0)(0)(0)", "AB1O", true, "AB10"},
+      // Nothing matches as it stands: one placement of the whole pattern
+      // comes before joined ones that change as many characters.
+      {"LL(0)(0)(0)(0)", "A8I2O4", true, "AB1204"},
+      // Misreads at two places, each repaired by its own match.
+      {"0", "1O5I", true, "1051"},
+      {"0000", "1O5I", true, "1051"},
+      {"(0)", "O1S", true, "015"},
+      {"LL000000L", "AB12345GC", true, "AB123456C"},
+      {"000", "12", false, ""}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.spec + " on " + c.text);
+    cPatternEngine engine;
+    engine.PerformCoertion = true;
+    Outcome out = Evaluate(engine, c.spec, c.text, true);
+    EXPECT_EQ(out.ok, c.ok);
+    EXPECT_EQ(out.value, c.value);
+  }
+}
+
+TEST(PatternMatch, OwnMatcherFindsWhatTheExpressionFinds) {
+  // The engine's own matcher must give exactly the matches of the
+  // assembled expression run by the regular-expression object.
+  const char* specs[] = {"(0)(0)0",
+                         "(00)(000)",
+                         "LL(0)(0)(0)(0)",
+                         "(L)0{00?}(L)",
+                         "\"(\"0\")\"L",
+                         "(.)(.)L",
+                         "{0???}{0?}",
+                         "(0L)(L0)",
+                         "A|B|AB",
+                         "(\"O\")0",
+                         "",
+                         "({ll?})l",
+                         "(0)(0)(0)(0)(0)(0)(0)(0)(0)L"};
+  const char* texts[] = {"",       "1",
+                         "12",     "123",
+                         "12345",  "AB12O4",
+                         "(0)A",   "x1A2B3y",
+                         "A1B2",   "AB AB",
+                         "O1O2",   "abcde",
+                         "\n1\nA", "1111111111111X11A"};
+  for (const char* spec : specs) {
+    cPatternEngine engine;
+    std::string error;
+    bool ok = false;
+    engine.LoadSBSExpression(spec, error, ok);
+    ASSERT_TRUE(ok) << spec << ": " << error;
+    auto program =
+        internal::SpecProgram::Build(engine.Elements(), engine.MetaRules());
+    ASSERT_NE(program, nullptr);
+    for (const char* text : texts) {
+      SCOPED_TRACE(std::string(spec) + " on " + text);
+      cMatchCollection got;
+      ASSERT_TRUE(program->Run(text, got));
+      cRegExp regexp;
+      regexp.Pattern = engine.RegExpFormat;
+      regexp.Global = true;
+      cMatchCollection expected;
+      ASSERT_TRUE(regexp.Execute(text, expected, error)) << error;
+      ASSERT_EQ(got.Count(), expected.Count());
+      for (int32_t i = 0; i < got.Count(); ++i) {
+        EXPECT_EQ(got.Item(i).value, expected.Item(i).value);
+        EXPECT_EQ(got.Item(i).FirstIndex, expected.Item(i).FirstIndex);
+      }
+    }
+  }
+}
+
+TEST(PatternMatch, ManyOptionalElementsNeverExhaustTheMatcher) {
+  std::string optional25;
+  for (int i = 0; i < 25; ++i) optional25 += "(0)";
+  struct Case {
+    std::string spec, text;
+    bool coerce, ok;
+    std::string value;
+  };
+  const Case cases[] = {
+      {optional25 + "L", std::string(40, '1'), false, false, ""},
+      {optional25 + "L", std::string(40, '1'), true, true,
+       std::string(13, '1') + "I" + std::string(25, '1') + "I"},
+      {optional25 + "L", std::string(24, '1') + "A", false, true,
+       std::string(24, '1') + "A"},
+      {optional25 + optional25 + "\"#\"", std::string(60, '7'), false, false,
+       ""}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.spec + " on " + c.text);
+    cPatternEngine engine;
+    engine.PerformCoertion = c.coerce;
+    Outcome out = Evaluate(engine, c.spec, c.text, true);
+    EXPECT_EQ(out.error, "");
+    EXPECT_EQ(out.ok, c.ok);
+    EXPECT_EQ(out.value, c.value);
   }
 }
 

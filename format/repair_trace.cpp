@@ -1,0 +1,127 @@
+// The repair trace and its rule table. Rules: docs/repair-trace.md.
+
+#include "pelinor/repair_trace.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "pelinor/log.h"
+
+namespace pelinor {
+namespace {
+
+struct Rule {
+  std::string_view code;
+  RiskClass risk;
+};
+
+// Every rule the formatter and the pattern engine record, by code.
+constexpr Rule kRules[] = {
+    {"bias-digit", RiskClass::kRepair},
+    {"bias-letter", RiskClass::kRepair},
+    {"case-changed", RiskClass::kCosmetic},
+    {"char-dropped", RiskClass::kGuess},
+    {"country-removed", RiskClass::kCosmetic},
+    {"currency-skipped", RiskClass::kCosmetic},
+    {"date-layout", RiskClass::kCosmetic},
+    {"day-month-order", RiskClass::kGuess},
+    {"decimal-comma", RiskClass::kCosmetic},
+    {"implied-decimals", RiskClass::kGuess},
+    {"leading-mark-dropped", RiskClass::kGuess},
+    {"month-name", RiskClass::kCosmetic},
+    {"month-repaired", RiskClass::kRepair},
+    {"other-language", RiskClass::kRepair},
+    {"pattern-variation", RiskClass::kRepair},
+    {"point-moved", RiskClass::kGuess},
+    {"postcode-shape", RiskClass::kCosmetic},
+    {"reading-stopped", RiskClass::kGuess},
+    {"separator-dropped", RiskClass::kCosmetic},
+    {"sign-moved", RiskClass::kCosmetic},
+    {"spaces-removed", RiskClass::kCosmetic},
+    {"surrounding-dropped", RiskClass::kGuess},
+    {"two-digit-year", RiskClass::kGuess},
+    {"whole-units", RiskClass::kGuess},
+};
+
+}  // namespace
+
+std::string_view RiskClassName(RiskClass risk) {
+  switch (risk) {
+    case RiskClass::kCosmetic:
+      return "cosmetic";
+    case RiskClass::kRepair:
+      return "repair";
+    case RiskClass::kGuess:
+      return "guess";
+    default:
+      return "";
+  }
+}
+
+RiskClass RuleRisk(std::string_view code) {
+  for (const Rule& r : kRules) {
+    if (r.code == code) return r.risk;
+  }
+  return RiskClass::kGuess;
+}
+
+void cRepairTrace::Add(std::string_view code, std::string sentence,
+                       int32_t position, std::string before,
+                       std::string after) {
+  AddWithRisk(code, RuleRisk(code), std::move(sentence), position,
+              std::move(before), std::move(after));
+}
+
+void cRepairTrace::AddWithRisk(std::string_view code, RiskClass risk,
+                               std::string sentence, int32_t position,
+                               std::string before, std::string after) {
+  steps_.push_back(cRepairStep{std::string(code), std::move(sentence), position,
+                               std::move(before), std::move(after), risk});
+}
+
+void cRepairTrace::Reverse(size_t from) {
+  if (from < steps_.size()) {
+    std::reverse(steps_.begin() + static_cast<std::ptrdiff_t>(from),
+                 steps_.end());
+  }
+}
+
+RiskClass cRepairTrace::Highest(size_t from) const {
+  RiskClass highest = RiskClass::kNone;
+  for (size_t i = from; i < steps_.size(); ++i) {
+    highest = std::max(highest, steps_[i].Risk);
+  }
+  return highest;
+}
+
+std::string cRepairTrace::Sentences(size_t from) const {
+  std::string out;
+  for (size_t i = from; i < steps_.size(); ++i) {
+    if (!out.empty()) out += "; ";
+    out += steps_[i].Sentence;
+  }
+  return out;
+}
+
+namespace {
+thread_local int quiet_depth = 0;
+}  // namespace
+
+cQuietFormatLog::cQuietFormatLog() { ++quiet_depth; }
+cQuietFormatLog::~cQuietFormatLog() { --quiet_depth; }
+
+bool FormatLogWanted() { return quiet_depth == 0 && !FormatLogPath().empty(); }
+
+void LogRepairSteps(const cRepairTrace& trace, size_t from) {
+  if (!FormatLogWanted()) return;
+  const auto& steps = trace.Steps();
+  for (size_t i = from; i < steps.size(); ++i) {
+    const cRepairStep& s = steps[i];
+    LogFormatLine("Repair:" + s.Rule + ":" +
+                  std::string(RiskClassName(s.Risk)) + ":" +
+                  std::to_string(s.Position) + ":" + s.Sentence);
+  }
+}
+
+}  // namespace pelinor

@@ -1,0 +1,164 @@
+// The pattern matcher without backtracking blow-up. Rules:
+// docs/formats/patterns.md ("Matching").
+
+#include "pattern/spec_matcher.h"
+
+#include <algorithm>
+
+namespace pelinor::internal {
+namespace {
+
+// Patterns with more steps than this are left to the regular expression;
+// they keep the recursion of the search shallow.
+constexpr size_t kMaxSteps = 2048;
+// Paths() stops counting here.
+constexpr uint64_t kPathsCap = uint64_t{1} << 32;
+// Bytes of failure marks one run may use.
+constexpr size_t kMaxMarks = size_t{8} << 20;
+
+enum Kind : char { kDigit, kUpper, kLower, kAny, kLit };
+
+void KindOf(char placeholder, bool literal, char& kind, char& value) {
+  value = placeholder;
+  kind = kLit;
+  if (literal) return;
+  switch (placeholder) {
+    case '0':
+      kind = kDigit;
+      break;
+    case 'L':
+      kind = kUpper;
+      break;
+    case 'l':
+      kind = kLower;
+      break;
+    case '.':
+      kind = kAny;
+      break;
+    default:
+      break;
+  }
+}
+
+bool Accepts(char kind, char literal, char c) {
+  switch (kind) {
+    case kDigit:
+      return c >= '0' && c <= '9';
+    case kUpper:
+      return c >= 'A' && c <= 'Z';
+    case kLower:
+      return c >= 'a' && c <= 'z';
+    case kAny:
+      return c != '\n';
+    default:
+      return c == literal;
+  }
+}
+
+}  // namespace
+
+// One text's search. A state is a step (or an element's entry) and a
+// position; once the rest of the pattern is known not to match from a
+// state, the state is marked and never searched again. Success ends the
+// search at once, so every state is searched at most once per text.
+class SpecProgram::Search {
+ public:
+  Search(const SpecProgram& p, std::string_view text)
+      : p_(p),
+        text_(text),
+        width_(text.size() + 1),
+        element_failed_(p.optional_.size() * width_, false),
+        step_failed_(p.steps_.size() * width_, false) {}
+
+  // The end of the first match, in priority order, that starts at `pos`.
+  bool MatchAt(size_t pos, size_t& end) { return FromElement(0, pos, end); }
+
+ private:
+  bool FromElement(size_t e, size_t pos, size_t& end) {
+    if (e == p_.optional_.size()) {
+      end = pos;
+      return true;
+    }
+    const size_t mark = e * width_ + pos;
+    if (element_failed_[mark]) return false;
+    if (FromStep(e, p_.first_[e], pos, end)) return true;
+    if (p_.optional_[e] && FromElement(e + 1, pos, end)) return true;
+    element_failed_[mark] = true;
+    return false;
+  }
+
+  bool FromStep(size_t e, size_t s, size_t pos, size_t& end) {
+    if (s == p_.first_[e + 1]) return FromElement(e + 1, pos, end);
+    const size_t mark = s * width_ + pos;
+    if (step_failed_[mark]) return false;
+    const Step& step = p_.steps_[s];
+    size_t run = 0;
+    while (run < step.max && pos + run < text_.size() &&
+           Accepts(step.kind, step.literal, text_[pos + run])) {
+      ++run;
+    }
+    // Greedy: the longest run first, as the expression's quantifier.
+    for (size_t n = run + 1; n-- > step.min;) {
+      if (FromStep(e, s + 1, pos + n, end)) return true;
+    }
+    step_failed_[mark] = true;
+    return false;
+  }
+
+  const SpecProgram& p_;
+  std::string_view text_;
+  size_t width_;
+  std::vector<bool> element_failed_;
+  std::vector<bool> step_failed_;
+};
+
+std::shared_ptr<const SpecProgram> SpecProgram::Build(
+    const std::vector<cPatternElement>& elements, const cMetaRules& rules) {
+  auto p = std::make_shared<SpecProgram>();
+  const auto multiply = [&p](uint64_t n) {
+    p->paths_ = std::min(p->paths_ * n, kPathsCap);
+  };
+  for (const cPatternElement& element : elements) {
+    if (element.Optional) multiply(2);
+    p->first_.push_back(static_cast<uint32_t>(p->steps_.size()));
+    p->optional_.push_back(element.Optional);
+    for (const cPatternSlot& slot : element.Slots) {
+      Step step{};
+      if (slot.Section == 0) {
+        KindOf(slot.Placeholder, slot.Literal, step.kind, step.literal);
+        step.min = step.max = 1;
+      } else {
+        const auto& section = rules.CharReplaceComps.Item(slot.Section);
+        if (section == nullptr || section->Rules.empty()) return nullptr;
+        KindOf(section->Rules[0], false, step.kind, step.literal);
+        step.min = static_cast<uint32_t>(section->MinLen);
+        step.max = static_cast<uint32_t>(section->MaxLen);
+        multiply(step.max - step.min + 1);
+      }
+      p->steps_.push_back(step);
+    }
+    if (p->steps_.size() > kMaxSteps) return nullptr;
+  }
+  p->first_.push_back(static_cast<uint32_t>(p->steps_.size()));
+  return p;
+}
+
+bool SpecProgram::Run(std::string_view text, cMatchCollection& matches) const {
+  matches.Clear();
+  if ((steps_.size() + optional_.size()) * (text.size() + 1) > kMaxMarks * 8) {
+    return false;
+  }
+  Search search(*this, text);
+  size_t pos = 0;
+  while (pos <= text.size()) {
+    size_t begin = pos;
+    size_t end = 0;
+    while (begin <= text.size() && !search.MatchAt(begin, end)) ++begin;
+    if (begin > text.size()) break;
+    matches.Add(text.substr(begin, end - begin), static_cast<int32_t>(begin));
+    pos = end == begin ? end + 1 : end;
+  }
+  return true;
+}
+
+}  // namespace pelinor::internal

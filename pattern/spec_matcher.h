@@ -1,0 +1,73 @@
+// The matcher that runs a loaded pattern specification without a
+// backtracking regular-expression engine. It finds exactly the matches the
+// assembled expression gives (leftmost start; an optional element present
+// before absent; brace sections longest first), but remembers the places
+// from which the rest of the pattern cannot match, so its work grows with
+// the length of the pattern times the length of the text instead of
+// exponentially with the number of optional parts.
+//
+// Thread safety: a program is immutable once built and may be shared;
+// Run() keeps its working state on the caller's stack.
+
+#ifndef PELINOR_PATTERN_SPEC_MATCHER_H_
+#define PELINOR_PATTERN_SPEC_MATCHER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "pelinor/pattern_element.h"
+#include "pelinor/reg_exp.h"
+#include "pelinor/sbs_char_replace.h"
+
+namespace pelinor::internal {
+
+class SpecProgram {
+ public:
+  // Build()
+  //
+  // The program of `elements` (with their brace sections in `rules`), or
+  // null when the pattern is too long for the matcher; the caller then
+  // runs the regular expression instead.
+  static std::shared_ptr<const SpecProgram> Build(
+      const std::vector<cPatternElement>& elements, const cMetaRules& rules);
+
+  // Run()
+  //
+  // Replaces `matches` with the matches in `text`, enumerated as
+  // cRegExp::Execute() does with Global set. Returns false, with
+  // `matches` empty, only when the text is too long for the working
+  // memory the matcher allows itself; the caller then runs the regular
+  // expression instead.
+  bool Run(std::string_view text, cMatchCollection& matches) const;
+
+  // Paths()
+  //
+  // The number of ways the pattern can be walked from one place (each
+  // optional element present or absent, each brace section at each of its
+  // lengths), capped at 2^32. A backtracking engine may try them all
+  // before it gives up on a place; with few the regular expression is
+  // the faster choice.
+  uint64_t Paths() const { return paths_; }
+
+ private:
+  struct Step {
+    char kind;
+    char literal;
+    uint32_t min;
+    uint32_t max;
+  };
+  class Search;
+
+  std::vector<Step> steps_;
+  // Element e owns steps [first_[e], first_[e + 1]).
+  std::vector<uint32_t> first_;
+  std::vector<bool> optional_;
+  uint64_t paths_ = 1;
+};
+
+}  // namespace pelinor::internal
+
+#endif  // PELINOR_PATTERN_SPEC_MATCHER_H_
