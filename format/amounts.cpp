@@ -179,7 +179,8 @@ bool cFormat::FormatCurrencyValue(const std::string& value, std::string& out,
   const bool ok = FormatNumericCurrency(work, out, gbMode, trustPoint, trace,
                                         trace != nullptr ? &scan : nullptr);
   if (!trustPoint && ok) {
-    const std::string digits = out;
+    std::string digits;
+    if (trace != nullptr) digits = out;
     // Two implied decimals; a single digit gets ".00" instead, so "5" reads
     // as 5.00 while "45" reads as .45.
     if (out.size() >= 2) {
@@ -218,6 +219,18 @@ void cFormat::TraceImpliedDecimals(int32_t decimals, const std::string& digits,
 bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
                                     bool gbMode, bool trustPoint,
                                     cRepairTrace* t, AmountScan* scan) const {
+  // Two readings from one source: without a trace every tracing branch is
+  // compiled out, so formatting costs what it did before tracing existed.
+  if (t == nullptr)
+    return ScanCurrency<false>(value, out, gbMode, trustPoint, nullptr,
+                               nullptr);
+  return ScanCurrency<true>(value, out, gbMode, trustPoint, t, scan);
+}
+
+template <bool kTraced>
+bool cFormat::ScanCurrency(const std::string& value, std::string& out,
+                           bool gbMode, bool trustPoint, cRepairTrace* t,
+                           AmountScan* scan) const {
   const bool log = FormatLogOn();
   if (log) LogFormatMessage("--> FormatNumericCurrency: " + value);
   std::string_view text = Trim(value);
@@ -244,7 +257,7 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
         }
       }
       if (!IsDigit(next) && !IsDigit(BiasCharToNumber(next))) {
-        if (t != nullptr) {
+        if constexpr (kTraced) {
           t->Add("leading-mark-dropped",
                  "leading " + Quoted(first) + " dropped: no number follows it",
                  where(0), std::string(1, first), "");
@@ -268,7 +281,9 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
       result += c;
       digitSeen = true;
       junk = 0;
-      if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
+      if constexpr (kTraced) {
+        if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
+      }
       continue;
     }
     if (c == '-') {
@@ -276,7 +291,7 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
       continue;
     }
     if (!gbMode && (c == '$' || c == 's' || c == 'S')) {
-      if (t != nullptr) {
+      if constexpr (kTraced) {
         t->Add("currency-skipped",
                Quoted(c) + " skipped at position " +
                    std::to_string(where(i + skipped)),
@@ -286,14 +301,16 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
     }
     const char biased = BiasCharToNumber(c);
     if (IsDigit(biased)) {
-      if (t != nullptr) TraceBias(t, text, i, biased, where(i + skipped));
+      if constexpr (kTraced) TraceBias(t, text, i, biased, where(i + skipped));
       result += biased;
-      if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
+      if constexpr (kTraced) {
+        if (scan != nullptr && scan->decimals >= 0) ++scan->decimals;
+      }
       continue;
     }
     if (c == '.' && trustPoint) {
       if (pointTaken) {
-        if (t != nullptr) {
+        if constexpr (kTraced) {
           t->Add("reading-stopped",
                  "reading stopped at the second point at position " +
                      std::to_string(where(i + skipped)),
@@ -306,11 +323,15 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
       continue;
     }
     if (c == '.' || c == ' ' || c == ',') {
-      if (c != '.' && separators++ == 0) firstSeparator = where(i + skipped);
-      if (c == '.' && scan != nullptr) scan->decimals = 0;
+      if constexpr (kTraced) {
+        if (c != '.' && separators++ == 0) {
+          firstSeparator = where(i + skipped);
+        }
+        if (c == '.') scan->decimals = 0;
+      }
       continue;
     }
-    if (t != nullptr) {
+    if constexpr (kTraced) {
       if (IsCurrencySign(c)) {
         t->Add("currency-skipped",
                Quoted(c) + " skipped at position " +
@@ -326,18 +347,19 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
     if (digitSeen) {
       ++junk;
       if (c == '~' || junk >= 2) {
-        if (t != nullptr && i + 1 < text.size()) {
-          t->Add("reading-stopped",
-                 "reading stopped at position " +
-                     std::to_string(where(i + skipped)) +
-                     ": the rest is ignored",
-                 where(i + skipped), std::string(text.substr(i + 1)), "");
-        }
+        if constexpr (kTraced)
+          if (i + 1 < text.size()) {
+            t->Add("reading-stopped",
+                   "reading stopped at position " +
+                       std::to_string(where(i + skipped)) +
+                       ": the rest is ignored",
+                   where(i + skipped), std::string(text.substr(i + 1)), "");
+          }
         break;
       }
     }
   }
-  if (t != nullptr && separators > 0) {
+  if (kTraced && separators > 0) {
     t->Add("separator-dropped",
            std::to_string(separators) +
                (separators == 1 ? " separator" : " separators") +
@@ -345,7 +367,7 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
            firstSeparator, "", "");
   }
 
-  TraceSign(t, result);
+  if constexpr (kTraced) TraceSign(t, result);
   ApplySign(result);
   bool ok = false;
   if (IsNumeric(result)) {
@@ -358,9 +380,38 @@ bool cFormat::FormatNumericCurrency(const std::string& value, std::string& out,
 
 bool cFormat::FormatNumeric(const std::string& value, std::string& out,
                             int32_t code, cRepairTrace* trace) const {
-  const bool log = FormatLogOn();
-  cRepairTrace local;
-  cRepairTrace* t = TraceFor(trace, local, log);
+  if (trace == nullptr) {
+    // The same reading without a trace, kept apart so that it costs
+    // nothing extra.
+    const char separator = code == 300 ? ',' : '.';
+    // Built from the right, so the right-most separator is the decimal
+    // point; collected reversed and turned round once at the end.
+    std::string result;
+    result.reserve(value.size());
+    bool pointPlaced = false;
+    for (auto it = value.rbegin(); it != value.rend(); ++it) {
+      const char c = *it;
+      if (IsDigit(c) || c == '-') {
+        result += c;
+      } else if (c == separator) {
+        if (!pointPlaced) {
+          result += '.';
+          pointPlaced = true;
+        }
+      } else {
+        const char biased = BiasCharToNumber(c);
+        if (IsDigit(biased)) result += biased;
+      }
+    }
+    std::reverse(result.begin(), result.end());
+    ApplySign(result);
+    if (result.empty() || result == "-" || result.back() == '.') return false;
+    out = result;
+    return true;
+  }
+  // Numerics write nothing to the format log, so only a caller's trace
+  // records steps.
+  cRepairTrace* t = trace;
   const size_t first = t != nullptr ? t->Size() : 0;
   const char separator = code == 300 ? ',' : '.';
   // Built from the right, so the right-most separator is the decimal point;
@@ -372,7 +423,6 @@ bool cFormat::FormatNumeric(const std::string& value, std::string& out,
   int32_t firstSeparator = 0;
   for (size_t k = value.size(); k-- > 0;) {
     const char c = value[k];
-    const auto position = static_cast<int32_t>(k + 1);
     if (IsDigit(c) || c == '-') {
       result += c;
     } else if (c == separator) {
@@ -381,31 +431,32 @@ bool cFormat::FormatNumeric(const std::string& value, std::string& out,
         pointPlaced = true;
         if (t != nullptr && c == ',') {
           t->Add("decimal-comma",
-                 "decimal comma at position " + std::to_string(position) +
+                 "decimal comma at position " + std::to_string(k + 1) +
                      " read as a point",
-                 position, ",", ".");
+                 static_cast<int32_t>(k + 1), ",", ".");
         }
       } else if (t != nullptr) {
         ++separators;
-        firstSeparator = position;
+        firstSeparator = static_cast<int32_t>(k + 1);
       }
     } else {
       const char biased = BiasCharToNumber(c);
       if (IsDigit(biased)) {
         result += biased;
-        if (t != nullptr) TraceBias(t, value, k, biased, position);
+        if (t != nullptr)
+          TraceBias(t, value, k, biased, static_cast<int32_t>(k + 1));
       } else if (t != nullptr) {
         if (c == ' ' || c == ',' || c == '.' || c == '\'') {
           ++separators;
-          firstSeparator = position;
+          firstSeparator = static_cast<int32_t>(k + 1);
         } else if (IsCurrencySign(c)) {
           t->Add("currency-skipped",
-                 Quoted(c) + " skipped at position " + std::to_string(position),
-                 position, std::string(1, c), "");
+                 Quoted(c) + " skipped at position " + std::to_string(k + 1),
+                 static_cast<int32_t>(k + 1), std::string(1, c), "");
         } else {
           t->Add("char-dropped",
-                 Quoted(c) + " dropped at position " + std::to_string(position),
-                 position, std::string(1, c), "");
+                 Quoted(c) + " dropped at position " + std::to_string(k + 1),
+                 static_cast<int32_t>(k + 1), std::string(1, c), "");
         }
       }
     }
@@ -422,7 +473,6 @@ bool cFormat::FormatNumeric(const std::string& value, std::string& out,
   ApplySign(result);
   const bool ok = !(result.empty() || result == "-" || result.back() == '.');
   if (ok) out = result;
-  if (ok && log && t != nullptr) LogRepairSteps(*t, first);
   return ok;
 }
 

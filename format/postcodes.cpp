@@ -84,44 +84,36 @@ bool cFormat::IsStrictOutwardCode(std::string_view code) const {
 
 bool cFormat::FormatPostCode(const std::string& value, std::string& out,
                              int32_t code, cRepairTrace* trace) const {
-  const bool log = FormatLogWanted();
-  if (trace == nullptr && !log) return FormatPostCodeSteps(value, out, code);
-  cRepairTrace local;
-  cRepairTrace* t = trace != nullptr ? trace : &local;
-  const size_t first = t->Size();
+  // Postcodes write nothing to the format log, so only a caller's trace
+  // records steps.
+  if (trace == nullptr) return FormatPostCodeSteps(value, out, code);
   const bool ok = FormatPostCodeSteps(value, out, code);
-  if (ok) TracePostCode(value, out, *t);
-  if (ok && log) LogRepairSteps(*t, first);
+  if (ok) TracePostCode(value, out, *trace);
   return ok;
 }
 
 void cFormat::TracePostCode(const std::string& value, const std::string& out,
                             cRepairTrace& trace) {
   if (value == out) return;
-  // The letters and digits of the text, with their positions, line up
-  // with those of the result unless something was dropped.
+  // The characters of the text other than blanks, with their positions,
+  // line up with those of the result unless the repair dropped the marks
+  // between them ("EC1A-1BB"); then the letters and digits line up.
   std::string kept;
   std::vector<int32_t> where;
-  size_t others = 0;
-  int32_t firstOther = 0;
   for (size_t i = 0; i < value.size(); ++i) {
-    const char c = value[i];
-    if (IsAlnum(UpperChar(c)) || (c != ' ' && IsAlnum(c))) {
-      kept += c;
-      where.push_back(static_cast<int32_t>(i + 1));
-    } else if (c != ' ') {
-      kept += c;
-      where.push_back(static_cast<int32_t>(i + 1));
-    }
+    if (value[i] == ' ') continue;
+    kept += value[i];
+    where.push_back(static_cast<int32_t>(i + 1));
   }
   std::string result = out;
   std::erase(result, ' ');
+  size_t others = 0;
+  int32_t firstOther = 0;
   if (kept.size() != result.size()) {
-    // Marks between the characters were dropped; line up without them.
     std::string alnum;
     std::vector<int32_t> alnumWhere;
     for (size_t i = 0; i < kept.size(); ++i) {
-      if (IsAlnum(UpperChar(kept[i])) || IsDigit(kept[i])) {
+      if (IsAlnum(UpperChar(kept[i]))) {
         alnum += kept[i];
         alnumWhere.push_back(where[i]);
       } else if (others++ == 0) {

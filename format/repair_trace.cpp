@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <utility>
 
 #include "pelinor/log.h"
@@ -111,7 +112,12 @@ thread_local int quiet_depth = 0;
 cQuietFormatLog::cQuietFormatLog() { ++quiet_depth; }
 cQuietFormatLog::~cQuietFormatLog() { --quiet_depth; }
 
-bool FormatLogWanted() { return quiet_depth == 0 && !FormatLogPath().empty(); }
+bool FormatLogWanted() {
+  if (quiet_depth != 0) return false;
+  // FormatLogPath() without building a string: this runs on every value.
+  const char* path = std::getenv(kFormatLogVariable);
+  return path != nullptr && *path != '\0';
+}
 
 void LogRepairSteps(const cRepairTrace& trace, size_t from) {
   if (!FormatLogWanted()) return;

@@ -298,7 +298,10 @@ void cPatternEngine::CoerceDate(const std::string& strIn, std::string& strOut,
     // The general coercion: first the month names of every language (a
     // name says more than stray digits), then the formatter's reading of
     // the same format.
-    for (int other = 0; !ok && other < mt::kLanguageCount; ++other) {
+    // Without a letter there is no month name to read.
+    const bool letters = std::any_of(
+        strIn.begin(), strIn.end(), [](char c) { return mt::IsWordLetter(c); });
+    for (int other = 0; letters && !ok && other < mt::kLanguageCount; ++other) {
       ok = coerceLanguageDate(other, strIn, strOut, t, language);
     }
     named = ok;

@@ -181,9 +181,10 @@ void cPatternEngine::LoadSBSExpression(const std::string& strSpec,
   RegExpFormat = std::move(expression);
   // Few ways through the pattern: the compiled expression is faster and
   // cannot blow up. Many: the engine's own matcher bounds the work.
-  program_ = internal::SpecProgram::Build(elements_, meta_rules_);
-  if (program_ != nullptr && program_->Paths() <= kMaxBacktrackPaths) {
-    program_ = nullptr;
+  program_ = nullptr;
+  if (internal::SpecProgram::CountPaths(elements_, meta_rules_) >
+      kMaxBacktrackPaths) {
+    program_ = internal::SpecProgram::Build(elements_, meta_rules_);
   }
   loaded_expression_ = RegExpFormat;
   bSuccess = true;

@@ -112,6 +112,23 @@ class SpecProgram::Search {
   std::vector<bool> step_failed_;
 };
 
+uint64_t SpecProgram::CountPaths(const std::vector<cPatternElement>& elements,
+                                 const cMetaRules& rules) {
+  uint64_t paths = 1;
+  for (const cPatternElement& element : elements) {
+    if (element.Optional) paths = std::min(paths * 2, kPathsCap);
+    for (const cPatternSlot& slot : element.Slots) {
+      if (slot.Section == 0) continue;
+      const auto& section = rules.CharReplaceComps.Item(slot.Section);
+      if (section == nullptr) continue;
+      const auto lengths =
+          static_cast<uint64_t>(section->MaxLen - section->MinLen + 1);
+      paths = std::min(paths * lengths, kPathsCap);
+    }
+  }
+  return paths;
+}
+
 std::shared_ptr<const SpecProgram> SpecProgram::Build(
     const std::vector<cPatternElement>& elements, const cMetaRules& rules) {
   auto p = std::make_shared<SpecProgram>();

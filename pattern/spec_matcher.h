@@ -43,6 +43,12 @@ class SpecProgram {
   // expression instead.
   bool Run(std::string_view text, cMatchCollection& matches) const;
 
+  // CountPaths()
+  //
+  // Paths() of the program Build() would make, without making it.
+  static uint64_t CountPaths(const std::vector<cPatternElement>& elements,
+                             const cMetaRules& rules);
+
   // Paths()
   //
   // The number of ways the pattern can be walked from one place (each

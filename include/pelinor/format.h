@@ -215,6 +215,10 @@ class cFormat {
                              bool gbMode, bool trustPoint,
                              cRepairTrace* trace = nullptr,
                              AmountScan* scan = nullptr) const;
+  // FormatNumericCurrency() with the tracing branches compiled in or out.
+  template <bool kTraced>
+  bool ScanCurrency(const std::string& value, std::string& out, bool gbMode,
+                    bool trustPoint, cRepairTrace* t, AmountScan* scan) const;
   // FormatPostCode() without tracing, and the trace of its result.
   bool FormatPostCodeSteps(const std::string& value, std::string& out,
                            int32_t code) const;

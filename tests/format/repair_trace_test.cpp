@@ -256,7 +256,10 @@ TEST(RepairTrace, TracingLeavesResultsAndLogUnchanged) {
       firstStep = std::min(firstStep, i);
       ++steps;
     }
-    EXPECT_EQ(steps, a ? trace.Size() : 0u);
+    // Numerics and postcodes write no format log at all.
+    const bool logs =
+        std::string(c[0]) != "NUMERIC" && std::string(c[0]) != "POSTCODE";
+    EXPECT_EQ(steps, a && logs ? trace.Size() : 0u);
     for (size_t i = firstStep; i < plainLog.size(); ++i) {
       EXPECT_EQ(plainLog[i].rfind("Repair:", 0), 0u) << plainLog[i];
     }
