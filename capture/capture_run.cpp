@@ -24,6 +24,7 @@
 #include "pelinor/profile.h"
 #include "pelinor/registry.h"
 #include "pelinor/repair_trace.h"
+#include "pelinor/settings_snapshot.h"
 #include "pelinor/template.h"
 #include "pelinor/text.h"
 
@@ -98,10 +99,19 @@ void ExplainValue(int32_t type, const std::string& date_format,
     // the one that explains it.
     std::string err;
     std::string text = raw;
-    cPatternEngine engine;
-    if (EvaluatePatternWith(engine, text, pattern, true, true, true, false, out,
-                            err, "", &trace) &&
-        out == result) {
+    // Through the batch's snapshot the engine already loaded for the
+    // pattern is used; it evaluates as a new one would.
+    const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current();
+    const auto evaluate = [&] {
+      if (snapshot != nullptr) {
+        return EvaluatePattern(text, pattern, true, true, true, false, out, err,
+                               "", *snapshot, &trace);
+      }
+      cPatternEngine engine;
+      return EvaluatePatternWith(engine, text, pattern, true, true, true, false,
+                                 out, err, "", &trace);
+    };
+    if (evaluate() && out == result) {
       return;
     }
     trace.Clear();

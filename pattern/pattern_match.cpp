@@ -325,8 +325,20 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
     }
   }
 
-  const std::vector<std::string> shapes =
-      Shapes(elements_, meta_rules_, text.size());
+  // Shapes depend only on the loaded specification and the length.
+  constexpr size_t kCachedLengths = 64;
+  if (shapes_load_ != loads_ || shapes_.size() >= kCachedLengths) {
+    shapes_.clear();
+    shapes_load_ = loads_;
+  }
+  auto cached = shapes_.find(text.size());
+  if (cached == shapes_.end()) {
+    cached =
+        shapes_
+            .emplace(text.size(), Shapes(elements_, meta_rules_, text.size()))
+            .first;
+  }
+  const std::vector<std::string>& shapes = cached->second;
   Replacements replacements(CharMapper->Mappings());
   std::vector<RepairSet> sets;
   std::unordered_set<std::string> signatures;

@@ -21,6 +21,7 @@
 // Pattern specifications and matching.
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "pelinor/char_mapper.h"
@@ -280,6 +281,11 @@ class cPatternEngine {
   // Execute() or BestCandidateWhole() under way for its RunExpression()
   // calls.
   bool run_loaded_ = false;
+  // The shapes coercion lines texts up with, by text length, for the load
+  // counted `shapes_load_`: an engine that runs many texts finds them once
+  // per length.
+  uint64_t shapes_load_ = kNotLoaded;
+  std::unordered_map<size_t, std::vector<std::string>> shapes_;
   // End of pattern specifications and matching.
 
   // Reads a date with a month name of the table `language` (an index of
