@@ -155,15 +155,22 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     c.Raw = f->value;
     // A value to check was cleaned already: it is in its stored form.
     const bool was_valid = f->Status == 0 || f->Status == kCaptureReviewStatus;
+    // Type and pattern resolve over field, template and profile, which the
+    // check leaves as they are: resolved once.
+    const int32_t type = f->DataType();
+    const std::string pattern = f->Pattern();
     if (!was_valid || options.Recheck) {
       CheckValue(
-          f->value, f->DataType(), f->Pattern(), was_valid,
-          [&] { return f->Validate(log); }, [&] { f->FormatDataValue(); },
-          f->Status, f->StatusMessage);
+          f->value, type, pattern, was_valid, [&] { return f->Validate(log); },
+          [&] { f->FormatDataValue(); }, f->Status, f->StatusMessage);
     }
     c.Result = f->value;
-    Explain(c, f->DataType(), cFormat().FormatDescr(f->DefaultDataType()),
-            f->Pattern(), options, f->Status, f->StatusMessage);
+    // The format name is only needed where Explain() explains a change.
+    const bool explained = c.Result != c.Raw && f->Status == 0;
+    Explain(
+        c, type,
+        explained ? cFormat().FormatDescr(f->DefaultDataType()) : std::string(),
+        pattern, options, f->Status, f->StatusMessage);
     c.Status = f->Status;
     c.Message = f->StatusMessage;
     report.Values.push_back(std::move(c));
