@@ -24,6 +24,7 @@
 #include "pelinor/profile.h"
 #include "pelinor/registry.h"
 #include "pelinor/repair_trace.h"
+#include "pelinor/settings_snapshot.h"
 #include "pelinor/template.h"
 #include "pelinor/text.h"
 
@@ -98,10 +99,19 @@ void ExplainValue(int32_t type, const std::string& date_format,
     // the one that explains it.
     std::string err;
     std::string text = raw;
-    cPatternEngine engine;
-    if (EvaluatePatternWith(engine, text, pattern, true, true, true, false, out,
-                            err, "", &trace) &&
-        out == result) {
+    // Through the batch's snapshot the engine already loaded for the
+    // pattern is used; it evaluates as a new one would.
+    const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current();
+    const auto evaluate = [&] {
+      if (snapshot != nullptr) {
+        return EvaluatePattern(text, pattern, true, true, true, false, out, err,
+                               "", *snapshot, &trace);
+      }
+      cPatternEngine engine;
+      return EvaluatePatternWith(engine, text, pattern, true, true, true, false,
+                                 out, err, "", &trace);
+    };
+    if (evaluate() && out == result) {
       return;
     }
     trace.Clear();
@@ -145,19 +155,26 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     c.Raw = f->value;
     // A value to check was cleaned already: it is in its stored form.
     const bool was_valid = f->Status == 0 || f->Status == kCaptureReviewStatus;
+    // Type and pattern resolve over field, template and profile, which the
+    // check leaves as they are: resolved once.
+    const int32_t type = f->DataType();
+    const std::string pattern = f->Pattern();
     std::shared_ptr<cFieldType> field_type;
     if (doc.Profile && !doc.Profile->FindField(f->Name, field_type)) {
       f->Status = kCaptureInvalidStatus;
       f->StatusMessage = kUnknownFieldMessage;
     } else if (!was_valid || options.Recheck) {
       CheckValue(
-          f->value, f->DataType(), f->Pattern(), was_valid,
-          [&] { return f->Validate(log); }, [&] { f->FormatDataValue(); },
-          f->Status, f->StatusMessage);
+          f->value, type, pattern, was_valid, [&] { return f->Validate(log); },
+          [&] { f->FormatDataValue(); }, f->Status, f->StatusMessage);
     }
     c.Result = f->value;
-    Explain(c, f->DataType(), cFormat().FormatDescr(f->DefaultDataType()),
-            f->Pattern(), options, f->Status, f->StatusMessage);
+    // The format name is only needed where Explain() explains a change.
+    const bool explained = c.Result != c.Raw && f->Status == 0;
+    Explain(
+        c, type,
+        explained ? cFormat().FormatDescr(f->DefaultDataType()) : std::string(),
+        pattern, options, f->Status, f->StatusMessage);
     c.Status = f->Status;
     c.Message = f->StatusMessage;
     report.Values.push_back(std::move(c));

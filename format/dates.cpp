@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "format/date_fast_path.h"
 #include "pelinor/format.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
@@ -138,6 +139,9 @@ bool cFormat::ValidateDateParsed(std::string& day, std::string& month,
 
 bool cFormat::FormatDate(const std::string& value, std::string& out,
                          int32_t code) const {
+  // Plain numeric dates, the common case, are read without the month-name
+  // searches; the reading gives what the full one below would.
+  if (internal::FormatPlainNumericDate(value, code, out)) return true;
   std::string day, month, year;
   float confidence = 0;
   if (!ValidateRawDate(value, day, month, year, confidence,

@@ -5,10 +5,12 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "pattern/spec_matcher.h"
 #include "pelinor/file_system.h"
 #include "pelinor/log.h"
 #include "pelinor/registry.h"
@@ -92,6 +94,19 @@ void TraceEvaluation(const cPatternEngine& engine, const std::string& original,
   }
 }
 
+// True when TraceEvaluation() records nothing for the evaluation just made:
+// no space was removed, the value is a whole match (nothing outside the
+// matches is dropped) and the chosen candidate is the evaluated text
+// itself (no character was mapped).
+bool RecordsNoRepair(const cPatternEngine& engine, bool spaced, bool whole) {
+  if (spaced || !whole) return false;
+  const int32_t index = engine.BestCandidateIndex();
+  return index < 0 ||
+         static_cast<size_t>(index) >= engine.Candidates().size() ||
+         engine.Candidates()[static_cast<size_t>(index)].Variation ==
+             engine.EvaluatedText();
+}
+
 // Gives a new engine the mapping file's table, read now. False, with
 // `strErrMsg` set, when the file exists but cannot be read.
 bool LoadMappings(cPatternEngine& engine, std::string& strErrMsg) {
@@ -107,6 +122,9 @@ bool LoadMappings(cPatternEngine& engine, std::string& strErrMsg) {
 struct LoadedEngine {
   std::unique_ptr<cPatternEngine> engine;
   bool loaded = false;
+  // The matcher of a loaded pattern with one way through it (a fixed
+  // shape), which decides a plain whole-text check by itself.
+  std::shared_ptr<const internal::SpecProgram> fixed;
 };
 struct EngineCache {
   uint64_t snapshot_id = 0;
@@ -135,6 +153,11 @@ LoadedEngine& CachedEngine(const cSettingsSnapshot& snapshot,
   }
   std::string load_error;
   e.engine->LoadSBSExpression(strPatternSpec, load_error, e.loaded);
+  if (e.loaded && internal::SpecProgram::CountPaths(
+                      e.engine->Elements(), e.engine->MetaRules()) == 1) {
+    e.fixed = internal::SpecProgram::Build(e.engine->Elements(),
+                                           e.engine->MetaRules());
+  }
   return cache.engines.emplace(strPatternSpec, std::move(e)).first->second;
 }
 
@@ -165,6 +188,22 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
   }
   if (engine == nullptr) {
     LoadedEngine& cached = CachedEngine(*snapshot, strPatternSpec);
+    // A whole-text check against a fixed shape, with nothing to log,
+    // trace, coerce or remove, is decided by the matcher alone: the engine
+    // would find the same matches, and they make up the text (its value)
+    // or leave the check failed. Nothing would be logged either way.
+    if (cached.fixed != nullptr && bWhole && !logging && trace == nullptr &&
+        (!bCoerce || cached.engine->RegExpFormats.Count() == 0) &&
+        !(bSuppressSpaces && strText.find(' ') != std::string::npos)) {
+      if (const std::optional<bool> whole = cached.fixed->WholeMatch(strText)) {
+        if (!*whole) {
+          strErrMsg = kPatternValidationError;
+          return false;
+        }
+        strOutput = strText;
+        return true;
+      }
+    }
     engine = cached.engine.get();
     loaded = cached.loaded;
   } else {
@@ -195,10 +234,11 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
   }
 
   bool executed = false;
-  // The text as given, kept only when its repairs are wanted.
-  const bool formatLog = FormatLogWanted();
+  // Execute() removes the spaces in `strText` itself; the text as given is
+  // kept for the repair steps when there are any to remove.
+  const bool spaced = bSuppressSpaces && strText.find(' ') != std::string::npos;
   std::string original;
-  if (trace != nullptr || formatLog) original = strText;
+  if (spaced) original = strText;
   engine->Execute(strText, strErrMsg, executed);
   if (!executed) {
     AppendLogLine(strLogFile, strErrMsg);
@@ -217,13 +257,19 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
     AppendLogLine(strLogFile, strErrMsg);
     return false;
   }
-  strOutput = value;
+  strOutput.swap(value);
   if (logging) AppendLogLine(strLogFile, "Output value:'" + strOutput + "'");
+  // The format log only shows repair steps, and a whole match of the text
+  // as given, no coerced variation chosen, has none: the log setting is
+  // not even read for it.
+  const bool formatLog =
+      !RecordsNoRepair(*engine, spaced, bWhole) && FormatLogWanted();
   if (trace != nullptr || formatLog) {
     cRepairTrace local;
     cRepairTrace* t = trace != nullptr ? trace : &local;
     const size_t first = t->Size();
-    TraceEvaluation(*engine, original, bWhole, bKeepSurrounding, *t);
+    TraceEvaluation(*engine, spaced ? original : strText, bWhole,
+                    bKeepSurrounding, *t);
     if (formatLog) LogRepairSteps(*t, first);
   }
   return true;

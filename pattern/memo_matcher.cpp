@@ -15,6 +15,10 @@ constexpr size_t kMaxSteps = 2048;
 constexpr uint64_t kPathsCap = uint64_t{1} << 32;
 // Bytes of failure marks one run may use.
 constexpr size_t kMaxMarks = size_t{8} << 20;
+// Longest text a fixed program checks itself. Longer ones go to the
+// regular expression as before, so that whatever it makes of a huge text
+// stays the outcome.
+constexpr size_t kMaxFixedText = size_t{1} << 16;
 
 enum Kind : char { kDigit, kUpper, kLower, kAny, kLit };
 
@@ -40,7 +44,7 @@ void KindOf(char placeholder, bool literal, char& kind, char& value) {
   }
 }
 
-bool Accepts(char kind, char literal, char c) {
+constexpr bool Accepts(char kind, char literal, char c) {
   switch (kind) {
     case kDigit:
       return c >= '0' && c <= '9';
@@ -54,6 +58,24 @@ bool Accepts(char kind, char literal, char c) {
       return c == literal;
   }
 }
+
+// What kDigit, kUpper, kLower and kAny accept, by byte.
+struct AcceptTable {
+  bool accepts[kLit][256];
+};
+
+constexpr AcceptTable BuildAcceptTable() {
+  AcceptTable t{};
+  for (int kind = kDigit; kind < kLit; ++kind) {
+    for (int c = 0; c < 256; ++c) {
+      t.accepts[kind][c] =
+          Accepts(static_cast<char>(kind), '\0', static_cast<char>(c));
+    }
+  }
+  return t;
+}
+
+constexpr AcceptTable kAcceptTable = BuildAcceptTable();
 
 }  // namespace
 
@@ -157,11 +179,64 @@ std::shared_ptr<const SpecProgram> SpecProgram::Build(
     if (p->steps_.size() > kMaxSteps) return nullptr;
   }
   p->first_.push_back(static_cast<uint32_t>(p->steps_.size()));
+  if (p->paths_ == 1) {
+    for (const Step& step : p->steps_) {
+      p->fixed_kinds_.append(step.max, step.kind);
+      p->fixed_literals_.append(step.max, step.literal);
+    }
+  }
   return p;
+}
+
+bool SpecProgram::FixedAt(std::string_view text, size_t begin) const {
+  const size_t length = fixed_kinds_.size();
+  const char* at = text.data() + begin;
+  for (size_t j = 0; j < length; ++j) {
+    const char kind = fixed_kinds_[j];
+    if (kind == kLit ? at[j] != fixed_literals_[j]
+                     : !kAcceptTable.accepts[static_cast<size_t>(kind)]
+                                            [static_cast<uint8_t>(at[j])]) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool SpecProgram::RunFixed(std::string_view text,
+                           cMatchCollection& matches) const {
+  const size_t length = fixed_kinds_.size();
+  const size_t n = text.size();
+  // The enumeration of Run(): leftmost match, then on from its end (one
+  // further after an empty match).
+  size_t pos = 0;
+  while (pos <= n) {
+    size_t begin = pos;
+    while (begin + length <= n && !FixedAt(text, begin)) ++begin;
+    if (begin + length > n) break;
+    matches.Add(text.substr(begin, length), static_cast<int32_t>(begin));
+    pos = length == 0 ? begin + 1 : begin + length;
+  }
+  return true;
+}
+
+std::optional<bool> SpecProgram::WholeMatch(std::string_view text) const {
+  if (paths_ != 1 || text.size() > kMaxFixedText) return std::nullopt;
+  // Matches of one length make up the text when they follow each other
+  // from its start: any place that does not match leaves a gap. Empty
+  // matches make up nothing.
+  const size_t length = fixed_kinds_.size();
+  if (length == 0 || text.empty() || text.size() % length != 0) return false;
+  for (size_t begin = 0; begin < text.size(); begin += length) {
+    if (!FixedAt(text, begin)) return false;
+  }
+  return true;
 }
 
 bool SpecProgram::Run(std::string_view text, cMatchCollection& matches) const {
   matches.Clear();
+  if (paths_ == 1 && text.size() <= kMaxFixedText) {
+    return RunFixed(text, matches);
+  }
   if ((steps_.size() + optional_.size()) * (text.size() + 1) > kMaxMarks * 8) {
     return false;
   }

@@ -15,6 +15,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -43,6 +45,14 @@ class SpecProgram {
   // expression instead.
   bool Run(std::string_view text, cMatchCollection& matches) const;
 
+  // WholeMatch()
+  //
+  // For a program with one way through it (Paths() 1): whether the
+  // matches Run() gives for `text` make up all of it, decided without
+  // listing them. nullopt for other programs and for texts Run() leaves to
+  // the regular expression.
+  std::optional<bool> WholeMatch(std::string_view text) const;
+
   // CountPaths()
   //
   // Paths() of the program Build() would make, without making it.
@@ -67,7 +77,17 @@ class SpecProgram {
   };
   class Search;
 
+  // Run() for a program with one way through it (Paths() 1): every step
+  // takes exactly its length, so a match at a place is a check of each
+  // character, with nothing to remember.
+  bool RunFixed(std::string_view text, cMatchCollection& matches) const;
+  // True when the positions of a fixed program accept text[begin, ...).
+  bool FixedAt(std::string_view text, size_t begin) const;
+
   std::vector<Step> steps_;
+  // With one way through: the kind and literal of each position in turn.
+  std::string fixed_kinds_;
+  std::string fixed_literals_;
   // Element e owns steps [first_[e], first_[e + 1]).
   std::vector<uint32_t> first_;
   std::vector<bool> optional_;

@@ -284,8 +284,7 @@ bool cPatternEngine::EnsureRegExp(std::string& strErrMsg) {
 bool cPatternEngine::RunExpression(std::string_view text,
                                    cMatchCollection& matches,
                                    std::string& strErrMsg) {
-  if (program_ != nullptr && RegExpFormat == loaded_expression_ &&
-      program_->Run(text, matches)) {
+  if (program_ != nullptr && run_loaded_ && program_->Run(text, matches)) {
     return true;
   }
   regexp_->Pattern = RegExpFormat;
@@ -295,7 +294,7 @@ bool cPatternEngine::RunExpression(std::string_view text,
   // A loaded specification always compiles; one the matcher cannot take
   // (thousands of positions, or a text too long for its memory) and that
   // exhausts the regular-expression engine has found no match.
-  if (RegExpFormat == loaded_expression_ && !loaded_expression_.empty() &&
+  if (run_loaded_ && !loaded_expression_.empty() &&
       error.rfind(kRegExpSyntaxError, 0) != 0) {
     matches.Clear();
     return true;
@@ -326,8 +325,20 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
     }
   }
 
-  const std::vector<std::string> shapes =
-      Shapes(elements_, meta_rules_, text.size());
+  // Shapes depend only on the loaded specification and the length.
+  constexpr size_t kCachedLengths = 64;
+  if (shapes_load_ != loads_ || shapes_.size() >= kCachedLengths) {
+    shapes_.clear();
+    shapes_load_ = loads_;
+  }
+  auto cached = shapes_.find(text.size());
+  if (cached == shapes_.end()) {
+    cached =
+        shapes_
+            .emplace(text.size(), Shapes(elements_, meta_rules_, text.size()))
+            .first;
+  }
+  const std::vector<std::string>& shapes = cached->second;
   Replacements replacements(CharMapper->Mappings());
   std::vector<RepairSet> sets;
   std::unordered_set<std::string> signatures;
@@ -422,6 +433,8 @@ void cPatternEngine::Execute(std::string& strText, std::string& strErrMsg,
                   strText.end());
   }
   evaluated_text_ = strText;
+  run_loaded_ = RegExpFormat == loaded_expression_;
+  executed_load_ = run_loaded_ ? loads_ : kNotLoaded;
 
   // Candidates are resized rather than rebuilt, so an engine that runs
   // many texts reuses their storage.
@@ -473,10 +486,19 @@ void cPatternEngine::BestCandidateWhole(std::string& strValue, bool& bSuccess) {
   if (!EnsureRegExp(error)) return;
   BuildCandidateTexts();
   const cPatternCandidate* best = nullptr;
+  // Run again on a candidate text that is its whole variation, the
+  // expression Execute() ran finds the matches it found there, which make
+  // up that text: it matches.
+  run_loaded_ = RegExpFormat == loaded_expression_;
+  const bool same_expression = executed_load_ == loads_ && run_loaded_;
   cMatchCollection matches;
   for (const cPatternCandidate& c : candidates_) {
     // An empty text is never chosen: a value must hold something.
     if (c.Text.size() <= (best == nullptr ? 0 : best->Text.size())) continue;
+    if (same_expression && c.Text == c.Variation) {
+      best = &c;
+      continue;
+    }
     if (!RunExpression(c.Text, matches, error)) return;
     if (matches.Count() > 0) best = &c;
   }

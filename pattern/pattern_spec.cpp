@@ -150,6 +150,7 @@ std::string cPatternEngine::PipeExpressionToSBS(
 void cPatternEngine::LoadSBSExpression(const std::string& strSpec,
                                        std::string& strErrMsg, bool& bSuccess) {
   bSuccess = false;
+  ++loads_;
   elements_.clear();
   RegExpFormats.Clear();
   meta_rules_.Clear();
@@ -180,10 +181,12 @@ void cPatternEngine::LoadSBSExpression(const std::string& strSpec,
   elements_ = std::move(elements);
   RegExpFormat = std::move(expression);
   // Few ways through the pattern: the compiled expression is faster and
-  // cannot blow up. Many: the engine's own matcher bounds the work.
+  // cannot blow up. Many: the engine's own matcher bounds the work. One:
+  // a fixed shape, which the matcher checks directly, faster than either.
   program_ = nullptr;
-  if (internal::SpecProgram::CountPaths(elements_, meta_rules_) >
-      kMaxBacktrackPaths) {
+  const uint64_t paths =
+      internal::SpecProgram::CountPaths(elements_, meta_rules_);
+  if (paths > kMaxBacktrackPaths || paths == 1) {
     program_ = internal::SpecProgram::Build(elements_, meta_rules_);
   }
   loaded_expression_ = RegExpFormat;

@@ -21,6 +21,7 @@
 // Pattern specifications and matching.
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "pelinor/char_mapper.h"
@@ -269,6 +270,22 @@ class cPatternEngine {
   // for; null when the pattern specification is too long for it.
   std::shared_ptr<const internal::SpecProgram> program_;
   std::string loaded_expression_;
+  // Specifications loaded so far, and that count when the last Execute()
+  // ran the loaded expression (kNotLoaded when it ran another): while both
+  // agree and RegExpFormat is still the loaded expression, a candidate's
+  // matches are those the expression gives for its variation now.
+  static constexpr uint64_t kNotLoaded = ~uint64_t{0};
+  uint64_t loads_ = 0;
+  uint64_t executed_load_ = kNotLoaded;
+  // Whether RegExpFormat is the loaded expression, found once by the
+  // Execute() or BestCandidateWhole() under way for its RunExpression()
+  // calls.
+  bool run_loaded_ = false;
+  // The shapes coercion lines texts up with, by text length, for the load
+  // counted `shapes_load_`: an engine that runs many texts finds them once
+  // per length.
+  uint64_t shapes_load_ = kNotLoaded;
+  std::unordered_map<size_t, std::vector<std::string>> shapes_;
   // End of pattern specifications and matching.
 
   // Reads a date with a month name of the table `language` (an index of

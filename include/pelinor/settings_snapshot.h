@@ -56,6 +56,11 @@ class cSettingsSnapshot {
     return locale_.value_or(strDefault);
   }
 
+  // LocaleValue()
+  //
+  // "HalvernLocale" as read; nullopt when it was not set.
+  const std::optional<std::string>& LocaleValue() const { return locale_; }
+
   // ProfileDir()
   //
   // The resolved profile directory; "" when none is set.
