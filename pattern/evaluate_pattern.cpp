@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "pattern/spec_matcher.h"
+#include "pattern/memo_matcher.h"
 #include "pelinor/file_system.h"
 #include "pelinor/log.h"
 #include "pelinor/registry.h"

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "pattern/spec_matcher.h"
+#include "pattern/memo_matcher.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/settings_snapshot.h"
 #include "test_util.h"
@@ -114,7 +114,7 @@ std::vector<std::string> GeneratedSpecs(std::mt19937& rng) {
   return specs;
 }
 
-// Texts near what the specification accepts: its own placeholders turned
+// Texts near what the pattern specification accepts: its own placeholders turned
 // into characters they accept or do not, repeated, cut, spaced.
 std::vector<std::string> GeneratedTexts(std::mt19937& rng,
                                         const std::string& spec) {
