@@ -64,10 +64,26 @@ std::vector<NumberRun> FindNumberRuns(std::string_view text,
 constexpr const char* kLanguageNames[] = {"English", "French", "Portuguese",
                                           "Spanish", "German", "Italian"};
 
+// The language to name for `word`, read as month `m` through the table of
+// `language`: the first whose full name of that month the word spells
+// (ignoring case), since a word such as "März" also starts another
+// language's name once its accent is folded away.
+int NamingLanguage(int language, const std::string& word, int m) {
+  const std::string upper = UCase(word);
+  for (int l = 0; l < mt::kLanguageCount; ++l) {
+    if (UCase(std::string(mt::Names(l).full[static_cast<size_t>(m - 1)])) ==
+        upper) {
+      return l;
+    }
+  }
+  return language;
+}
+
 // Records how the month word text[begin, end) was read as month `m`.
 void TraceMonthWord(int language, int formatLanguage, std::string_view text,
                     size_t begin, size_t end, int m, cRepairTrace& trace) {
   const std::string word(text.substr(begin, end - begin));
+  language = NamingLanguage(language, word, m);
   const auto position = static_cast<int32_t>(begin + 1);
   bool lookAlike = false;
   for (const char c : word) lookAlike |= !mt::IsWordLetter(c);

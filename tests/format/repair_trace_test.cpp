@@ -198,6 +198,11 @@ TEST(RepairTrace, StepsCarryPositionSentenceAndText) {
        "O at 6 mapped to 0", "repair"},
       {"POSTCODE", "M1 IAA", 0, "bias-digit", 4, "I", "1",
        "I read as 1 at position 4", "repair"},
+      // Folded, "MARZ" also starts a Spanish name; the word is German.
+      {"DATEGB", "3. M\xE4rz 2004", 1, "other-language", 4, "M\xE4rz",
+       "M\xE4rz", "M\xE4rz read as a month name in German", "repair"},
+      {"DATEDE", "12 OCT 2003", 1, "other-language", 4, "OCT", "OCT",
+       "OCT read as a month name in English", "repair"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.type) + " " + c.in);
