@@ -267,17 +267,6 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
   report.ReviewCount = review;
 }
 
-std::string BaseName(const std::string& path) {
-  return path.substr(path.find_last_of("/\\") + 1);
-}
-
-std::string StemOf(const std::string& path) {
-  std::string base = BaseName(path);
-  const size_t dot = base.rfind('.');
-  if (dot != std::string::npos && dot > 0) base.resize(dot);
-  return base;
-}
-
 }  // namespace
 
 cCaptureReport CaptureDocument(cDocumentData& doc,
@@ -330,7 +319,7 @@ std::unique_ptr<cCaptureRun::Models> cCaptureRun::LoadModels(
     std::string& strErrMsg) const {
   auto m = std::make_unique<Models>();
   m->profile = std::make_shared<cProfile>();
-  if (!m->profile->ReadSettings(StemOf(options_.ProfileFile),
+  if (!m->profile->ReadSettings(FileStemOf(options_.ProfileFile),
                                 options_.ProfileFile, strErrMsg)) {
     return nullptr;
   }
@@ -363,7 +352,7 @@ cCaptureRun::~cCaptureRun() = default;
 std::string cCaptureRun::OutputPath(const std::string& file) const {
   if (options_.InPlace) return file;
   if (options_.OutDir.empty()) return "";
-  return JoinPath(options_.OutDir, BaseName(file));
+  return JoinPath(options_.OutDir, FileNameOf(file));
 }
 
 bool cCaptureRun::CheckOutputs(const std::vector<std::string>& files,

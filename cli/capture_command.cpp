@@ -18,6 +18,7 @@
 #include "pelinor/capture_run.h"
 #include "pelinor/data_parser.h"
 #include "pelinor/document_data.h"
+#include "pelinor/file_system.h"
 #include "pelinor/numeric.h"
 #include "pelinor/profile.h"
 #include "pelinor/registry.h"
@@ -45,17 +46,6 @@ struct Options {
   int32_t jobs = 0;
   std::vector<std::string> inputs;
 };
-
-std::string BaseName(const std::string& path) {
-  return path.substr(path.find_last_of("/\\") + 1);
-}
-
-std::string StemOf(const std::string& path) {
-  std::string base = BaseName(path);
-  const size_t dot = base.rfind('.');
-  if (dot != std::string::npos && dot > 0) base.resize(dot);
-  return base;
-}
 
 // What the Change column shows: "-" for a value left as it was, else the
 // highest class of the steps that changed it.
@@ -228,7 +218,7 @@ std::shared_ptr<cDocumentData> LoadDocument(const DocOptions& opts) {
     }
     doc->Profile = std::make_shared<cProfile>();
     ClearFileError();
-    if (!doc->Profile->ReadSettings(PathText(StemOf(opts.profile)),
+    if (!doc->Profile->ReadSettings(PathText(FileStemOf(opts.profile)),
                                     opts.profile, err)) {
       FailFile(opts.profile, err);
       return nullptr;

@@ -61,13 +61,6 @@ struct Extraction {
   int32_t page_count = 0;
 };
 
-std::string StemOf(const std::string& path) {
-  std::string base = path.substr(path.find_last_of("/\\") + 1);
-  const size_t dot = base.rfind('.');
-  if (dot != std::string::npos && dot > 0) base.resize(dot);
-  return base;
-}
-
 // The profile's template directory: as given when absolute, else beside the
 // profile file, else beside the profile's folder (an installation keeps
 // profiles/ and templates/ side by side).
@@ -108,7 +101,7 @@ bool RunExtraction(const Options& opts, bool process,
   std::string err;
   x.profile = std::make_shared<cProfile>();
   const std::string profile_file = FromUtf8(opts.profile);
-  if (!x.profile->ReadSettings(StemOf(profile_file), profile_file, err)) {
+  if (!x.profile->ReadSettings(FileStemOf(profile_file), profile_file, err)) {
     Fail(profile_file + ": " + err);
     return false;
   }

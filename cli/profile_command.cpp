@@ -13,6 +13,7 @@
 
 #include "cli/cli_util.h"
 #include "cli/commands.h"
+#include "pelinor/file_system.h"
 #include "pelinor/numeric.h"
 #include "pelinor/profile.h"
 #include "pelinor/scan_profile.h"
@@ -260,10 +261,7 @@ struct Options {
 // without directory and extension.
 std::string ProfileName(const Options& opts) {
   if (!opts.name.empty()) return FromUtf8(opts.name);
-  std::string base = opts.file.substr(opts.file.find_last_of("/\\") + 1);
-  const size_t dot = base.rfind('.');
-  if (dot != std::string::npos && dot > 0) base.resize(dot);
-  return FromUtf8(base);
+  return FromUtf8(FileStemOf(opts.file));
 }
 
 bool ReadProfile(const Options& opts, cProfile& profile) {

@@ -11,6 +11,7 @@
 #include "cli/cli_util.h"
 #include "cli/commands.h"
 #include "pelinor/data_parser.h"
+#include "pelinor/file_system.h"
 #include "pelinor/numeric.h"
 #include "pelinor/profile.h"
 #include "pelinor/template.h"
@@ -195,10 +196,7 @@ void PrintText(const json& object, const std::string& indent) {
 // The profile name given to the reader: the file's name without directory
 // and extension.
 std::string ProfileName(const std::string& file) {
-  std::string base = file.substr(file.find_last_of("/\\") + 1);
-  const size_t dot = base.rfind('.');
-  if (dot != std::string::npos && dot > 0) base.resize(dot);
-  return FromUtf8(base);
+  return FromUtf8(FileStemOf(file));
 }
 
 bool ReadTemplate(const std::string& typed, cTemplate& t) {

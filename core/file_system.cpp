@@ -28,4 +28,17 @@ std::string JoinPath(std::string_view dir, std::string_view name) {
   return out;
 }
 
+std::string FileNameOf(std::string_view path) {
+  const size_t slash = path.find_last_of("/\\");
+  return std::string(slash == std::string_view::npos ? path
+                                                     : path.substr(slash + 1));
+}
+
+std::string FileStemOf(std::string_view path) {
+  std::string name = FileNameOf(path);
+  const size_t dot = name.rfind('.');
+  if (dot != std::string::npos && dot > 0) name.resize(dot);
+  return name;
+}
+
 }  // namespace pelinor

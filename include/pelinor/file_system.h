@@ -28,6 +28,19 @@ void DeleteFileQuietly(const std::string& path);
 // becomes "/", so both name the same file). An empty `dir` gives `name`.
 std::string JoinPath(std::string_view dir, std::string_view name);
 
+// FileNameOf()
+//
+// The part of `path` after its last "/" or "\"; all of it when it has
+// neither.
+std::string FileNameOf(std::string_view path);
+
+// FileStemOf()
+//
+// FileNameOf() without its extension (from the last "."). A name whose
+// only dot is its first character (".profile") keeps it. Profiles are
+// named this way after their settings files.
+std::string FileStemOf(std::string_view path);
+
 }  // namespace pelinor
 
 #endif  // PELINOR_FILE_SYSTEM_H_

@@ -25,6 +25,27 @@ TEST(JoinPath, SeparatesOnce) {
   }
 }
 
+TEST(FileNameOf, TakesTheLastPartAndItsStem) {
+  struct Case {
+    const char* path;
+    const char* name;
+    const char* stem;
+  } cases[] = {
+      {"examples/profiles/Invoices.ini", "Invoices.ini", "Invoices"},
+      {"C:\\Pelinor\\Profiles\\Invoices.ini", "Invoices.ini", "Invoices"},
+      {"a.b/Invoices", "Invoices", "Invoices"},
+      {"dir/archive.tar.gz", "archive.tar.gz", "archive.tar"},
+      {"dir/.profile", ".profile", ".profile"},
+      {"dir/", "", ""},
+      {"Plain", "Plain", "Plain"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.path);
+    EXPECT_EQ(FileNameOf(c.path), c.name);
+    EXPECT_EQ(FileStemOf(c.path), c.stem);
+  }
+}
+
 TEST(FileHousekeeping, ExistsAndDeletesQuietly) {
   testing::TempDir dir;
   std::string path = dir.File("a.txt");
