@@ -20,45 +20,6 @@ constexpr size_t kMaxMarks = size_t{8} << 20;
 // stays the outcome.
 constexpr size_t kMaxFixedText = size_t{1} << 16;
 
-enum Kind : char { kDigit, kUpper, kLower, kAny, kLit };
-
-void KindOf(char placeholder, bool literal, char& kind, char& value) {
-  value = placeholder;
-  kind = kLit;
-  if (literal) return;
-  switch (placeholder) {
-    case '0':
-      kind = kDigit;
-      break;
-    case 'L':
-      kind = kUpper;
-      break;
-    case 'l':
-      kind = kLower;
-      break;
-    case '.':
-      kind = kAny;
-      break;
-    default:
-      break;
-  }
-}
-
-constexpr bool Accepts(char kind, char literal, char c) {
-  switch (kind) {
-    case kDigit:
-      return c >= '0' && c <= '9';
-    case kUpper:
-      return c >= 'A' && c <= 'Z';
-    case kLower:
-      return c >= 'a' && c <= 'z';
-    case kAny:
-      return c != '\n';
-    default:
-      return c == literal;
-  }
-}
-
 // What kDigit, kUpper, kLower and kAny accept, by byte.
 struct AcceptTable {
   bool accepts[kLit][256];
@@ -69,7 +30,7 @@ constexpr AcceptTable BuildAcceptTable() {
   for (int kind = kDigit; kind < kLit; ++kind) {
     for (int c = 0; c < 256; ++c) {
       t.accepts[kind][c] =
-          Accepts(static_cast<char>(kind), '\0', static_cast<char>(c));
+          PositionAccepts(static_cast<char>(kind), '\0', static_cast<char>(c));
     }
   }
   return t;
@@ -116,7 +77,7 @@ class SpecProgram::Search {
     const Step& step = p_.steps_[s];
     size_t run = 0;
     while (run < step.max && pos + run < text_.size() &&
-           Accepts(step.kind, step.literal, text_[pos + run])) {
+           PositionAccepts(step.kind, step.literal, text_[pos + run])) {
       ++run;
     }
     // Greedy: the longest run first, as the expression's quantifier.
@@ -164,12 +125,14 @@ std::shared_ptr<const SpecProgram> SpecProgram::Build(
     for (const cPatternSlot& slot : element.Slots) {
       Step step{};
       if (slot.Section == 0) {
-        KindOf(slot.Placeholder, slot.Literal, step.kind, step.literal);
+        step.kind = PositionKindOf(slot.Placeholder, slot.Literal);
+        step.literal = slot.Placeholder;
         step.min = step.max = 1;
       } else {
         const auto& section = rules.CharReplaceComps.Item(slot.Section);
         if (section == nullptr || section->Rules.empty()) return nullptr;
-        KindOf(section->Rules[0], false, step.kind, step.literal);
+        step.kind = PositionKindOf(section->Rules[0], false);
+        step.literal = section->Rules[0];
         step.min = static_cast<uint32_t>(section->MinLen);
         step.max = static_cast<uint32_t>(section->MaxLen);
         multiply(step.max - step.min + 1);

@@ -26,6 +26,49 @@
 
 namespace pelinor::internal {
 
+// What one position of a loaded specification accepts: a digit ("0"), an
+// upper-case letter ("L"), a lower-case letter ("l"), anything but a line
+// feed ("." unquoted), or one literal character.
+enum PositionKind : char { kDigit, kUpper, kLower, kAny, kLit };
+
+// PositionKindOf()
+//
+// The kind of a position holding `placeholder`; a quoted (`literal`)
+// character, or one that is no placeholder, is kLit.
+constexpr PositionKind PositionKindOf(char placeholder, bool literal) {
+  if (literal) return kLit;
+  switch (placeholder) {
+    case '0':
+      return kDigit;
+    case 'L':
+      return kUpper;
+    case 'l':
+      return kLower;
+    case '.':
+      return kAny;
+    default:
+      return kLit;
+  }
+}
+
+// PositionAccepts()
+//
+// Whether `c` fits a position of `kind`; a kLit position wants `literal`.
+constexpr bool PositionAccepts(char kind, char literal, char c) {
+  switch (kind) {
+    case kDigit:
+      return c >= '0' && c <= '9';
+    case kUpper:
+      return c >= 'A' && c <= 'Z';
+    case kLower:
+      return c >= 'a' && c <= 'z';
+    case kAny:
+      return c != '\n';
+    default:
+      return c == literal;
+  }
+}
+
 class SpecProgram {
  public:
   // Build()

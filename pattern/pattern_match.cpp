@@ -17,58 +17,19 @@
 namespace pelinor {
 namespace {
 
-// What a position of the expression accepts. A shape (one fixed-length
-// sequence of positions the expression can match) is held as a text of
-// two bytes per position: the kind, then the literal character for kLit.
-enum Kind : char {
-  kDigit = 'd',
-  kUpper = 'u',
-  kLower = 'w',
-  kAny = 'a',  // an unquoted "." (any character but LF)
-  kLit = 'c',
-};
+// A shape (one fixed-length sequence of positions the expression can
+// match) is held as a text of two bytes per position: the position's
+// internal::PositionKind, then its character (the one a kLit position
+// wants).
+using internal::PositionAccepts;
 
 // Shapes beyond this number are not tried: a specification with that many
 // distinct shapes of one text's length is not a field pattern, and the cap
 // keeps the work of lining texts up bounded.
 constexpr size_t kMaxShapes = 256;
 
-bool Accepts(char kind, char literal, char c) {
-  switch (kind) {
-    case kDigit:
-      return c >= '0' && c <= '9';
-    case kUpper:
-      return c >= 'A' && c <= 'Z';
-    case kLower:
-      return c >= 'a' && c <= 'z';
-    case kAny:
-      return c != '\n';
-    default:
-      return c == literal;
-  }
-}
-
 void AppendPosition(std::string& shape, char placeholder, bool literal) {
-  char kind = kLit;
-  if (!literal) {
-    switch (placeholder) {
-      case '0':
-        kind = kDigit;
-        break;
-      case 'L':
-        kind = kUpper;
-        break;
-      case 'l':
-        kind = kLower;
-        break;
-      case '.':
-        kind = kAny;
-        break;
-      default:
-        break;
-    }
-  }
-  shape.push_back(kind);
+  shape.push_back(internal::PositionKindOf(placeholder, literal));
   shape.push_back(placeholder);
 }
 
@@ -148,7 +109,8 @@ class Replacements {
     std::string options;
     for (const cMap& m : table_) {
       if (m.CharFrom.size() != 1 || m.CharFrom[0] != c ||
-          m.CharTo.size() != 1 || !Accepts(kind, literal, m.CharTo[0]) ||
+          m.CharTo.size() != 1 ||
+          !PositionAccepts(kind, literal, m.CharTo[0]) ||
           options.find(m.CharTo[0]) != std::string::npos) {
         continue;
       }
@@ -352,7 +314,7 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
         const char c = text[offset + j];
         const char kind = shape[2 * j];
         const char literal = shape[2 * j + 1];
-        if (Accepts(kind, literal, c)) continue;
+        if (PositionAccepts(kind, literal, c)) continue;
         const std::string& options = replacements.For(c, kind, literal);
         if (options.empty()) {
           viable = false;
