@@ -51,6 +51,13 @@ std::vector<std::string_view> SplitTabs(std::string_view line) {
   }
 }
 
+// Page coordinates beyond this (330 feet at 300 dpi) are no page's: such a
+// file is refused rather than clamped, since a clamped box would not read
+// back as it was written.
+constexpr int64_t kMaxCoordinate = 1000000;
+
+bool InPageRange(double v) { return v >= 0 && v <= kMaxCoordinate; }
+
 int32_t Clamp32(int64_t v) {
   return static_cast<int32_t>(std::clamp<int64_t>(v, -1000000000, 1000000000));
 }
@@ -227,6 +234,9 @@ bool cPageModel::ReadTsv(std::string_view text, int32_t dpi,
     for (size_t i = 0; ok && i < 10; ++i) ok = ParseInt(cols[i], v[i]);
     float conf = 0;
     ok = ok && ParseFloat(cols[10], conf);
+    for (size_t i = 6; ok && i < 10; ++i) {
+      ok = InPageRange(static_cast<double>(v[i]));
+    }
     if (!ok) {
       strErrMsg = "Not a TSV page file: line " + std::to_string(line_no);
       return false;
@@ -468,7 +478,8 @@ bool cPageModel::ReadHocr(std::string_view text, int32_t dpi,
     Attribute(tag, "title", title);
     auto bbox = [&](cBox& box) {
       const std::vector<double> n = TitleNumbers(title, "bbox");
-      if (n.size() != 4 || n[2] < n[0] || n[3] < n[1]) {
+      if (n.size() != 4 || n[2] < n[0] || n[3] < n[1] ||
+          !std::all_of(n.begin(), n.end(), InPageRange)) {
         strErrMsg =
             "Not a hOCR page file: bad bbox \"" + std::string(title) + "\"";
         return false;

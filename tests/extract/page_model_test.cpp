@@ -58,6 +58,11 @@ TEST(PageModelTest, ReadsTesseractTsv) {
       {"5\t1\t1\t1\t1\t1\tten\t20\t30\t40\t95\tA\n", false,
        "Not a TSV page file: line 1"},
       {std::string(kHeader), false, "Not a TSV page file: no page"},
+      // Boxes no page can have would not read back as they were written.
+      {"5\t1\t1\t1\t1\t1\t10\t20\t30\t24802222222222\t95\tA\n", false,
+       "Not a TSV page file: line 1"},
+      {"5\t1\t1\t1\t1\t1\t-10\t20\t30\t40\t95\tA\n", false,
+       "Not a TSV page file: line 1"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.tsv);
@@ -130,6 +135,9 @@ TEST(PageModelTest, ReadsHocr) {
        true, "a  b@1,2,10,20", 200},
       {page + "<span class='ocrx_word' title='bbox 10 10 5 5'>x</span>", false,
        "Not a hOCR page file: bad bbox \"bbox 10 10 5 5\"", 0},
+      {"<div class='ocr_page' title='bbox 5 0 24802222222222 3508'></div>",
+       false, "Not a hOCR page file: bad bbox \"bbox 5 0 24802222222222 3508\"",
+       0},
       {"<html><body><p>no page</p></body></html>", false,
        "Not a hOCR page file: no ocr_page element", 0},
   };
