@@ -8,7 +8,9 @@
 //
 // BM_BatchFloor is the least a batch that rewrites its documents can do:
 // read each of 6,000 tag files, write it through a temporary file and
-// rename it into the output folder. BM_CaptureBatch/N captures the same
+// rename it into the output folder; BM_BatchFloor/2 does it on two threads,
+// which shows how far the file system lets such a batch scale at all.
+// BM_CaptureBatch/N captures the same
 // files with N jobs and writes them the same way. Both report wall time
 // and the CPU time of the whole process (all threads); on a shared machine
 // the CPU figures compare the work, the wall figures the parallelism.
@@ -28,6 +30,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "pelinor/capture_run.h"
@@ -161,20 +164,34 @@ const Batch& TheBatch() {
   return batch;
 }
 
+void FloorOne(const Batch& batch, const std::string& file) {
+  pelinor::TextReader reader;
+  reader.Open(file);
+  std::string line, text;
+  while (reader.ReadLine(line)) text += line + "\r\n";
+  WriteThrough(batch.out + file.substr(file.rfind('/')), text);
+}
+
 void BM_BatchFloor(benchmark::State& state) {
   const Batch& batch = TheBatch();
+  const size_t jobs = static_cast<size_t>(state.range(0));
   for (auto _ : state) {
-    for (const std::string& file : batch.files) {
-      pelinor::TextReader reader;
-      reader.Open(file);
-      std::string line, text;
-      while (reader.ReadLine(line)) text += line + "\r\n";
-      WriteThrough(batch.out + file.substr(file.rfind('/')), text);
+    std::vector<std::thread> threads;
+    for (size_t t = 0; t < jobs; ++t) {
+      threads.emplace_back([&batch, t, jobs] {
+        for (size_t i = t; i < batch.files.size(); i += jobs) {
+          FloorOne(batch, batch.files[i]);
+        }
+      });
     }
+    for (std::thread& t : threads) t.join();
   }
   state.SetItemsProcessed(state.iterations() * kBatchSize);
+  state.SetLabel(std::to_string(jobs) + " jobs");
 }
 BENCHMARK(BM_BatchFloor)
+    ->Arg(1)
+    ->Arg(2)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime()
