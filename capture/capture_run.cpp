@@ -373,6 +373,21 @@ bool cCaptureRun::CheckOutputs(const std::vector<std::string>& files,
 }
 
 cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
+  std::string err;
+  std::unique_ptr<Models> models = Acquire(err);
+  if (!models) {
+    cCaptureFileResult r;
+    r.File = file;
+    r.Error = err;
+    return r;
+  }
+  cCaptureFileResult r = CaptureWith(*models, file);
+  Release(std::move(models));
+  return r;
+}
+
+cCaptureFileResult cCaptureRun::CaptureWith(Models& models,
+                                            const std::string& file) const {
   cCaptureFileResult r;
   r.File = file;
   std::string err;
@@ -381,13 +396,8 @@ cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
     r.Error = err;
     return r;
   }
-  std::unique_ptr<Models> models = Acquire(err);
-  if (!models) {
-    r.Error = err;
-    return r;
-  }
-  doc->Profile = models->profile;
-  doc->Template = models->tpl;
+  doc->Profile = models.profile;
+  doc->Template = models.tpl;
   r.Report = CaptureDocument(*doc, options_.Capture, settings_.get());
   r.Captured = true;
   // Written while profile and template are attached: data types the file
@@ -400,11 +410,44 @@ cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
       r.Error = "cannot write " + out + ": " + err;
     }
   }
-  doc->Profile.reset();
-  doc->Template.reset();
-  Release(std::move(models));
   return r;
 }
+
+namespace {
+
+// The state a run's threads share, guarded by `mu`. Document i, once
+// done, waits in slots[i % slots.size()] until it is handed on: a worker
+// only takes i while i < next_emit + slots.size(), so no two waiting
+// documents share a slot. Threads are woken only when someone waits for
+// what changed, so the common path takes the lock without a system call.
+struct RunState {
+  explicit RunState(size_t window) : slots(window), ready(window, false) {}
+  std::mutex mu;
+  std::condition_variable room;     // workers wait here while ahead
+  std::condition_variable emitted;  // the caller waits here for next_emit
+  std::vector<cCaptureFileResult> slots;
+  std::vector<bool> ready;
+  size_t next_take = 0;
+  size_t next_emit = 0;
+  size_t workers_waiting = 0;
+  bool caller_waiting = false;
+  bool stop = false;
+
+  // REQUIRES: mu held.
+  bool CanTake(size_t total) const {
+    return !stop && next_take < total && next_take < next_emit + slots.size();
+  }
+  // REQUIRES: mu held.
+  void Store(cCaptureFileResult r) {
+    const size_t slot = r.Index % slots.size();
+    const bool wanted = r.Index == next_emit;
+    slots[slot] = std::move(r);
+    ready[slot] = true;
+    if (wanted && caller_waiting) emitted.notify_one();
+  }
+};
+
+}  // namespace
 
 bool cCaptureRun::Run(
     const std::vector<std::string>& files,
@@ -417,70 +460,92 @@ bool cCaptureRun::Run(
                     ? static_cast<size_t>(options_.Jobs)
                     : std::max(1u, std::thread::hardware_concurrency());
   jobs = std::min(jobs, files.size());
+  // A thread that could not read the profile or template reports its
+  // reader's message for each document it takes.
+  const auto capture = [&](Models* models, const std::string& load_err,
+                           size_t i) {
+    cCaptureFileResult r;
+    if (models != nullptr) {
+      r = CaptureWith(*models, files[i]);
+    } else {
+      r.File = files[i];
+      r.Error = load_err;
+    }
+    r.Index = i;
+    return r;
+  };
+  std::string err;
+  std::unique_ptr<Models> own = Acquire(err);
   if (jobs <= 1) {
     for (size_t i = 0; i < files.size(); ++i) {
-      cCaptureFileResult r = CaptureFile(files[i]);
-      r.Index = i;
-      if (!each(r)) return false;
+      if (!each(capture(own.get(), err, i))) {
+        if (own) Release(std::move(own));
+        return false;
+      }
     }
+    if (own) Release(std::move(own));
     return true;
   }
 
-  // Workers take the next index; the calling thread hands results to
-  // `each` in input order. Workers stay at most `window` documents ahead
-  // of the oldest one not yet handed on, which bounds the memory held.
-  const size_t window = 4 * jobs;
-  std::mutex mu;
-  std::condition_variable cv;
-  std::map<size_t, cCaptureFileResult> done;
-  size_t next_take = 0;
-  size_t next_emit = 0;
-  bool stop = false;
+  // The calling thread is one of the `jobs` workers; between documents it
+  // hands on, in input order, whatever is done. Each thread keeps one
+  // profile and template for the whole run.
+  RunState state(4 * jobs);
+  const size_t total = files.size();
   auto work = [&] {
+    std::string load_err;
+    std::unique_ptr<Models> models = Acquire(load_err);
+    std::unique_lock<std::mutex> lock(state.mu);
     for (;;) {
-      size_t i;
-      {
-        std::unique_lock<std::mutex> lock(mu);
-        cv.wait(lock, [&] {
-          return stop || next_take >= files.size() ||
-                 next_take < next_emit + window;
-        });
-        if (stop || next_take >= files.size()) return;
-        i = next_take++;
+      while (!state.stop && state.next_take < total && !state.CanTake(total)) {
+        ++state.workers_waiting;
+        state.room.wait(lock);
+        --state.workers_waiting;
       }
-      cCaptureFileResult r = CaptureFile(files[i]);
-      r.Index = i;
-      std::lock_guard<std::mutex> lock(mu);
-      done.emplace(i, std::move(r));
-      cv.notify_all();
+      if (!state.CanTake(total)) break;
+      const size_t i = state.next_take++;
+      lock.unlock();
+      cCaptureFileResult r = capture(models.get(), load_err, i);
+      lock.lock();
+      state.Store(std::move(r));
     }
+    lock.unlock();
+    if (models) Release(std::move(models));
   };
   std::vector<std::thread> threads;
-  threads.reserve(jobs);
-  for (size_t t = 0; t < jobs; ++t) threads.emplace_back(work);
+  threads.reserve(jobs - 1);
+  for (size_t t = 1; t < jobs; ++t) threads.emplace_back(work);
+
   bool ok = true;
-  while (next_emit < files.size()) {
-    cCaptureFileResult r;
-    {
-      std::unique_lock<std::mutex> lock(mu);
-      cv.wait(lock, [&] { return done.count(next_emit) != 0; });
-      auto it = done.find(next_emit);
-      r = std::move(it->second);
-      done.erase(it);
-      ++next_emit;
-      cv.notify_all();
-    }
-    if (!each(r)) {
-      ok = false;
-      break;
+  std::unique_lock<std::mutex> lock(state.mu);
+  while (state.next_emit < total) {
+    const size_t slot = state.next_emit % state.slots.size();
+    if (state.ready[slot]) {
+      cCaptureFileResult r = std::move(state.slots[slot]);
+      state.ready[slot] = false;
+      ++state.next_emit;
+      if (state.workers_waiting > 0) state.room.notify_all();
+      lock.unlock();
+      ok = each(r);
+      lock.lock();
+      if (!ok) break;
+    } else if (state.CanTake(total)) {
+      const size_t i = state.next_take++;
+      lock.unlock();
+      cCaptureFileResult r = capture(own.get(), err, i);
+      lock.lock();
+      state.Store(std::move(r));
+    } else {
+      state.caller_waiting = true;
+      state.emitted.wait(lock, [&] { return state.ready[slot]; });
+      state.caller_waiting = false;
     }
   }
-  {
-    std::lock_guard<std::mutex> lock(mu);
-    stop = true;
-    cv.notify_all();
-  }
+  state.stop = true;
+  state.room.notify_all();
+  lock.unlock();
   for (std::thread& t : threads) t.join();
+  if (own) Release(std::move(own));
   return ok;
 }
 

@@ -176,10 +176,10 @@ class cCaptureRun {
 
   // Run()
   //
-  // Captures `files` with Options().Jobs worker threads (none for one
-  // job: the calling thread does the work) and calls `each` on the calling
-  // thread for every file, in
-  // input order, as soon as it and all before it are done. At most a few
+  // Captures `files` on Options().Jobs threads, the calling thread being
+  // one of them (one job starts no thread), and calls `each` on the
+  // calling thread for every file, in input order, once it and all before
+  // it are done. At most a few
   // documents per thread are held at once, so a run of any length needs
   // little memory. Returns false when `each` returns false (the run stops
   // after the documents already started).
@@ -191,6 +191,8 @@ class cCaptureRun {
 
   cCaptureRun() = default;
   std::unique_ptr<Models> LoadModels(std::string& strErrMsg) const;
+  // CaptureFile() with `models`, which the caller holds for itself.
+  cCaptureFileResult CaptureWith(Models& models, const std::string& file) const;
   // A profile and template no other thread is using: from the pool, or
   // read now when every pair is in use.
   std::unique_ptr<Models> Acquire(std::string& strErrMsg) const;
