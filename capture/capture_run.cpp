@@ -48,27 +48,34 @@ std::string ExpectedFormat(int32_t type, const std::string& pattern) {
 // Checks and cleans one value: a value that passes is normalised in place;
 // one that fails is cleaned (formatter, or the pattern with OCR coercion)
 // and checked again. `validate` and `format` are the value's own
-// Validate() and FormatDataValue(). A value that was valid before this
-// capture (`was_valid`, checked again on request) and still passes is in
-// its stored form already and is left alone: formatting is not meant to be
-// applied twice (a stored date would be read in the template's order and
-// could swap day and month; "12345.67" read as a comma number loses its
-// point).
+// Validate() and FormatDataValue(), `format` taking the trace to add to. A
+// value that was valid before this capture (`was_valid`, checked again on
+// request) and still passes is in its stored form already and is left
+// alone: formatting is not meant to be applied twice (a stored date would
+// be read in the template's order and could swap day and month; "12345.67"
+// read as a comma number loses its point).
+//
+// The cleaning step adds what it changed to `trace`. `traced` says whether
+// that trace starts from `raw`: a pattern check removes blanks before
+// cleaning, and then the trace tells only part of the story.
 template <typename Validate, typename Format>
-void CheckValue(std::string& value, int32_t type, const std::string& pattern,
-                bool was_valid, Validate validate, Format format,
-                int32_t& status, std::string& message) {
+void CheckValue(std::string& value, const std::string& raw, int32_t type,
+                const std::string& pattern, bool was_valid, Validate validate,
+                Format format, int32_t& status, std::string& message,
+                cRepairTrace& trace, bool& traced) {
   const bool pattern_type =
       !IsAmountType(type) && !IsDateType(type) && type != 5;
   bool valid = validate();
+  traced = value == raw;
+  cRepairTrace* const steps = traced ? &trace : nullptr;
   if (valid) {
-    if (!was_valid) format();
+    if (!was_valid) format(steps);
   } else if (pattern_type) {
     std::string cleaned, err;
-    valid = ValidatePatternValue(value, pattern, true, cleaned, err);
+    valid = ValidatePatternValue(value, pattern, true, cleaned, err, steps);
     if (valid) value = cleaned;
   } else {
-    format();
+    format(steps);
     valid = validate();
   }
   status = valid ? 0 : kCaptureInvalidStatus;
@@ -76,7 +83,8 @@ void CheckValue(std::string& value, int32_t type, const std::string& pattern,
 }
 
 // Runs the cleaning of a value of `type` again on `raw`, quietly, to learn
-// the steps that changed it into `result`. `date_format` is the format name the
+// the steps that changed it into `result`, for a value whose cleaning did
+// not start from `raw`. `date_format` is the format name the
 // value's date coercion uses.
 void ExplainValue(int32_t type, const std::string& date_format,
                   const std::string& pattern, const std::string& raw,
@@ -120,14 +128,21 @@ void ExplainValue(int32_t type, const std::string& date_format,
 }
 
 // Fills in what the capture did to `c` and, when guesses are reviewed,
-// gives a valid value whose steps include one the review status.
-void Explain(cCaptureValue& c, int32_t type, const std::string& date_format,
+// gives a valid value whose steps include one the review status. `trace`
+// holds the cleaning's steps, which explain the change when `traced`;
+// otherwise the cleaning is run again on the raw value (`date_format`
+// gives the format name a date coercion uses).
+template <typename DateFormat>
+void Explain(cCaptureValue& c, int32_t type, DateFormat date_format,
              const std::string& pattern, const cCaptureOptions& options,
-             int32_t& status, std::string& message) {
+             cRepairTrace& trace, bool traced, int32_t& status,
+             std::string& message) {
   c.Changed = c.Result != c.Raw;
   if (!c.Changed || status != 0) return;
-  cRepairTrace trace;
-  ExplainValue(type, date_format, pattern, c.Raw, c.Result, trace);
+  if (!traced) {
+    trace.Clear();
+    ExplainValue(type, date_format(), pattern, c.Raw, c.Result, trace);
+  }
   c.Risk = trace.Highest();
   c.Steps = trace.Steps();
   if (options.ReviewGuess && c.Risk == RiskClass::kGuess) {
@@ -160,21 +175,22 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     const int32_t type = f->DataType();
     const std::string pattern = f->Pattern();
     std::shared_ptr<cFieldType> field_type;
+    cRepairTrace trace;
+    bool traced = false;
     if (doc.Profile && !doc.Profile->FindField(f->Name, field_type)) {
       f->Status = kCaptureInvalidStatus;
       f->StatusMessage = kUnknownFieldMessage;
     } else if (!was_valid || options.Recheck) {
       CheckValue(
-          f->value, type, pattern, was_valid, [&] { return f->Validate(log); },
-          [&] { f->FormatDataValue(); }, f->Status, f->StatusMessage);
+          f->value, c.Raw, type, pattern, was_valid,
+          [&] { return f->Validate(log); },
+          [&](cRepairTrace* steps) { f->FormatDataValue(steps); }, f->Status,
+          f->StatusMessage, trace, traced);
     }
     c.Result = f->value;
-    // The format name is only needed where Explain() explains a change.
-    const bool explained = c.Result != c.Raw && f->Status == 0;
     Explain(
-        c, type,
-        explained ? cFormat().FormatDescr(f->DefaultDataType()) : std::string(),
-        pattern, options, f->Status, f->StatusMessage);
+        c, type, [&] { return cFormat().FormatDescr(f->DefaultDataType()); },
+        pattern, options, trace, traced, f->Status, f->StatusMessage);
     c.Status = f->Status;
     c.Message = f->StatusMessage;
     report.Values.push_back(std::move(c));
@@ -202,16 +218,20 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
       const bool was_valid =
           cell->Status == 0 || cell->Status == kCaptureReviewStatus;
       const std::string pattern = CellPattern(doc, cell->Name);
+      cRepairTrace trace;
+      bool traced = false;
       if (!was_valid || options.Recheck) {
         CheckValue(
-            cell->value, cell->DataType, pattern, was_valid,
+            cell->value, c.Raw, cell->DataType, pattern, was_valid,
             [&] { return cell->Validate(log); },
-            [&] { cell->FormatDataValue(log); }, cell->Status,
-            cell->StatusMessage);
+            [&](cRepairTrace* steps) { cell->FormatDataValue(log, steps); },
+            cell->Status, cell->StatusMessage, trace, traced);
       }
       c.Result = cell->value;
-      Explain(c, cell->DataType, cFormat().FormatDescr(cell->DataType), pattern,
-              options, cell->Status, cell->StatusMessage);
+      Explain(
+          c, cell->DataType,
+          [&] { return cFormat().FormatDescr(cell->DataType); }, pattern,
+          options, trace, traced, cell->Status, cell->StatusMessage);
       row_valid = row_valid && cell->Status == 0;
       row_invalid = row_invalid ||
                     (cell->Status != 0 && cell->Status != kCaptureReviewStatus);

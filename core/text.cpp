@@ -5,34 +5,6 @@
 namespace pelinor {
 namespace {
 
-struct CaseTables {
-  std::array<char, 256> upper;
-  std::array<char, 256> lower;
-};
-
-constexpr CaseTables BuildTables() {
-  CaseTables t{};
-  for (int i = 0; i < 256; ++i) {
-    t.upper[static_cast<size_t>(i)] = static_cast<char>(i);
-    t.lower[static_cast<size_t>(i)] = static_cast<char>(i);
-  }
-  auto pair = [&t](int lower, int upper) {
-    t.upper[static_cast<size_t>(lower)] = static_cast<char>(upper);
-    t.lower[static_cast<size_t>(upper)] = static_cast<char>(lower);
-  };
-  for (int c = 'a'; c <= 'z'; ++c) pair(c, c - 32);
-  for (int c = 0xE0; c <= 0xFE; ++c) {
-    if (c != 0xF7) pair(c, c - 32);
-  }
-  pair(0x9A, 0x8A);
-  pair(0x9C, 0x8C);
-  pair(0x9E, 0x8E);
-  pair(0xFF, 0x9F);
-  return t;
-}
-
-constexpr CaseTables kTables = BuildTables();
-
 // Code points of the bytes 0x80-0x9F.
 constexpr char16_t kHigh[32] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
@@ -41,10 +13,6 @@ constexpr char16_t kHigh[32] = {
     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 }  // namespace
-
-char UpperChar(char c) { return kTables.upper[static_cast<unsigned char>(c)]; }
-
-char LowerChar(char c) { return kTables.lower[static_cast<unsigned char>(c)]; }
 
 std::string UCase(std::string_view s) {
   std::string out(s);
@@ -56,14 +24,6 @@ std::string LCase(std::string_view s) {
   std::string out(s);
   for (char& c : out) c = LowerChar(c);
   return out;
-}
-
-bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (UpperChar(a[i]) != UpperChar(b[i])) return false;
-  }
-  return true;
 }
 
 std::string_view LTrim(std::string_view s) {

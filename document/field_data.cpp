@@ -15,6 +15,7 @@
 #include "pelinor/numeric.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 
 namespace pelinor {
 
@@ -149,34 +150,40 @@ bool cFieldData::Validate(std::string& LogFile) {
                          LogFile);
 }
 
-void cFieldData::FormatDataValue() {
+void cFieldData::FormatDataValue() { FormatDataValue(nullptr); }
+
+void cFieldData::FormatDataValue(cRepairTrace* trace) {
   cFormat format;
   const int32_t type = DataType();
   std::string copy = value;
   std::string out;
   bool ok = false;
   if (type == 2 || type == 300) {
-    ok = format.FormatNumeric(copy, out, type);
+    ok = format.FormatNumeric(copy, out, type, trace);
   } else if (type == 4 || type == 200) {
-    auto doc = Document.lock();
-    const cTemplate* tpl = doc ? doc->Template.get() : nullptr;
-    std::string msg = "cFieldData.FormatDataValue:" + value;
-    LogFormatMessage(msg);
-    msg = "cFieldData.FormatDataValue -> template is " +
-          (tpl ? tpl->TemplateIdentifier : std::string());
-    LogFormatMessage(msg);
-    msg = "cFieldData.FormatDataValue -> template capture profile is " +
-          (tpl ? tpl->PelinorProfile : std::string());
-    LogFormatMessage(msg);
-    msg = "cFieldData.FormatDataValue -> template scanner profile is " +
-          (tpl ? tpl->ScannerProfile : std::string());
-    LogFormatMessage(msg);
-    ok = format.FormatAmount(copy, out, type);
+    // The lines are only built when the format log is written.
+    if (FormatLogWanted()) {
+      auto doc = Document.lock();
+      const cTemplate* tpl = doc ? doc->Template.get() : nullptr;
+      std::string msg = "cFieldData.FormatDataValue:" + value;
+      LogFormatMessage(msg);
+      msg = "cFieldData.FormatDataValue -> template is " +
+            (tpl ? tpl->TemplateIdentifier : std::string());
+      LogFormatMessage(msg);
+      msg = "cFieldData.FormatDataValue -> template capture profile is " +
+            (tpl ? tpl->PelinorProfile : std::string());
+      LogFormatMessage(msg);
+      msg = "cFieldData.FormatDataValue -> template scanner profile is " +
+            (tpl ? tpl->ScannerProfile : std::string());
+      LogFormatMessage(msg);
+    }
+    ok = format.FormatAmount(copy, out, type, trace);
   } else if (type == 5) {
-    ok = format.FormatPostCode(copy, out, type);
+    ok = format.FormatPostCode(copy, out, type, trace);
   } else if (IsDateType(type)) {
     cPatternEngine engine;
-    engine.CoerceDate(copy, out, format.FormatDescr(DefaultDataType()), ok);
+    engine.CoerceDate(copy, out, format.FormatDescr(DefaultDataType()), ok,
+                      trace);
   }
   if (ok) value = out;
 }

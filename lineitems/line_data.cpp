@@ -13,6 +13,7 @@
 #include "pelinor/numeric.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/registry.h"
+#include "pelinor/settings_snapshot.h"
 
 namespace pelinor {
 
@@ -84,26 +85,40 @@ bool cLineItemData::Validate(const std::string& LogFile) {
 }
 
 void cLineItemData::FormatDataValue(const std::string& LogFile) {
+  FormatDataValue(LogFile, nullptr);
+}
+
+void cLineItemData::FormatDataValue(const std::string& LogFile,
+                                    cRepairTrace* trace) {
   cFormat format;
   std::string copy = value;
   std::string out;
   bool ok = false;
   if (DataType == 2 || DataType == 300) {
-    ok = format.FormatNumeric(copy, out, DataType);
+    ok = format.FormatNumeric(copy, out, DataType, trace);
   } else if (DataType == 4 || DataType == 200) {
-    ok = format.FormatAmount(copy, out, DataType);
+    ok = format.FormatAmount(copy, out, DataType, trace);
   } else if (DataType == 5) {
-    ok = format.FormatPostCode(copy, out, DataType);
+    ok = format.FormatPostCode(copy, out, DataType, trace);
   } else if (IsDateType(DataType)) {
     cPatternEngine engine;
-    engine.CoerceDate(copy, out, format.FormatDescr(DataType), ok);
+    engine.CoerceDate(copy, out, format.FormatDescr(DataType), ok, trace);
   } else {
     const std::string pattern = EffectivePattern();
     if (pattern.empty()) return;
     AppendLogLine(LogFile, "Line level OCR extraction on string (coerce)");
     std::string err;
-    ok = EvaluatePattern(copy, pattern, true, true, false, false, out, err,
-                         LogFile);
+    if (trace == nullptr) {
+      ok = EvaluatePattern(copy, pattern, true, true, false, false, out, err,
+                           LogFile);
+    } else if (const cSettingsSnapshot* s = cSettingsSnapshot::Current()) {
+      ok = EvaluatePattern(copy, pattern, true, true, false, false, out, err,
+                           LogFile, *s, trace);
+    } else {
+      cPatternEngine engine;
+      ok = EvaluatePatternWith(engine, copy, pattern, true, true, false, false,
+                               out, err, LogFile, trace);
+    }
   }
   if (ok) value = out;
 }

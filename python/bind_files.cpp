@@ -492,7 +492,7 @@ void BindDocument(py::module_& m) {
           py::arg("LogFile") = Path{},
           "Checks value for the resolved data type. Pattern types remove the "
           "blanks from value whatever the answer. Never changes the status.")
-      .def("FormatDataValue", &cFieldData::FormatDataValue,
+      .def("FormatDataValue", py::overload_cast<>(&cFieldData::FormatDataValue),
            "Normalises value in place for the resolved data type; a failing "
            "formatter leaves it as it was.")
       .def("ResetOptionItems", &cFieldData::ResetOptionItems)

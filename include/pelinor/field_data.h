@@ -26,6 +26,7 @@
 #include "pelinor/extract_zone.h"
 #include "pelinor/field_type.h"
 #include "pelinor/line_data.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/text_file.h"
 
 namespace pelinor {
@@ -111,6 +112,10 @@ class cFieldData {
   // Normalises `value` in place for the resolved data type; a failing
   // formatter leaves it as it was.
   void FormatDataValue();
+
+  // FormatDataValue() that also adds to `trace`, when not null, the steps
+  // that changed the value.
+  void FormatDataValue(cRepairTrace* trace);
 
   // LogFormatMessage()
   //

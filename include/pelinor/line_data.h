@@ -17,6 +17,7 @@
 #include <string>
 
 #include "pelinor/collection.h"
+#include "pelinor/repair_trace.h"
 #include "pelinor/text_file.h"
 
 namespace pelinor {
@@ -70,6 +71,10 @@ class cLineItemData {
   // Normalises `value` in place by `DataType`; pattern types take the best
   // sub-pattern candidate with OCR coercion. On failure `value` is kept.
   void FormatDataValue(const std::string& LogFile);
+
+  // FormatDataValue() that also adds to `trace`, when not null, the steps
+  // that changed the value.
+  void FormatDataValue(const std::string& LogFile, cRepairTrace* trace);
 
   // ResetOptionItems()
   //

@@ -11,22 +11,61 @@
 #ifndef PELINOR_TEXT_H_
 #define PELINOR_TEXT_H_
 
+#include <array>
 #include <string>
 #include <string_view>
 
 namespace pelinor {
+
+namespace text_internal {
+
+// The case tables, built at compile time and kept in the header so that a
+// comparison of names costs a table load per byte, not a call.
+struct CaseTables {
+  std::array<char, 256> upper;
+  std::array<char, 256> lower;
+};
+
+constexpr CaseTables BuildCaseTables() {
+  CaseTables t{};
+  for (int i = 0; i < 256; ++i) {
+    t.upper[static_cast<size_t>(i)] = static_cast<char>(i);
+    t.lower[static_cast<size_t>(i)] = static_cast<char>(i);
+  }
+  auto pair = [&t](int lower, int upper) {
+    t.upper[static_cast<size_t>(lower)] = static_cast<char>(upper);
+    t.lower[static_cast<size_t>(upper)] = static_cast<char>(lower);
+  };
+  for (int c = 'a'; c <= 'z'; ++c) pair(c, c - 32);
+  for (int c = 0xE0; c <= 0xFE; ++c) {
+    if (c != 0xF7) pair(c, c - 32);
+  }
+  pair(0x9A, 0x8A);
+  pair(0x9C, 0x8C);
+  pair(0x9E, 0x8E);
+  pair(0xFF, 0x9F);
+  return t;
+}
+
+inline constexpr CaseTables kCaseTables = BuildCaseTables();
+
+}  // namespace text_internal
 
 // UpperChar()
 //
 // Returns the Windows-1252 upper-case form of `c`: a-z, 0xE0-0xFE (except
 // 0xF7) to 0xC0-0xDE, 0x9A/0x9C/0x9E to 0x8A/0x8C/0x8E, 0xFF to 0x9F.
 // Every other byte is returned unchanged.
-char UpperChar(char c);
+inline char UpperChar(char c) {
+  return text_internal::kCaseTables.upper[static_cast<unsigned char>(c)];
+}
 
 // LowerChar()
 //
 // The inverse mapping of UpperChar().
-char LowerChar(char c);
+inline char LowerChar(char c) {
+  return text_internal::kCaseTables.lower[static_cast<unsigned char>(c)];
+}
 
 // UCase()
 // LCase()
@@ -38,7 +77,13 @@ std::string LCase(std::string_view s);
 // EqualsIgnoreCase()
 //
 // True when `a` and `b` are equal after both are upper-cased.
-bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+inline bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (UpperChar(a[i]) != UpperChar(b[i])) return false;
+  }
+  return true;
+}
 
 // Trim()
 // LTrim()
