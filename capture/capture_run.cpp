@@ -31,6 +31,12 @@
 namespace pelinor {
 namespace {
 
+// A value of `type` is checked against its pattern: it is no amount,
+// number, date or postcode.
+bool IsPatternType(int32_t type) {
+  return !IsAmountType(type) && !IsDateType(type) && type != 5;
+}
+
 // The message naming the format a value of `type` must have.
 std::string ExpectedFormat(int32_t type, const std::string& pattern) {
   if (type == 4 || type == 200) return "Amount expected, for example 1234.50";
@@ -63,8 +69,7 @@ void CheckValue(std::string& value, const std::string& raw, int32_t type,
                 const std::string& pattern, bool was_valid, Validate validate,
                 Format format, int32_t& status, std::string& message,
                 cRepairTrace& trace, bool& traced) {
-  const bool pattern_type =
-      !IsAmountType(type) && !IsDateType(type) && type != 5;
+  const bool pattern_type = IsPatternType(type);
   bool valid = validate();
   traced = value == raw;
   cRepairTrace* const steps = traced ? &trace : nullptr;
@@ -144,11 +149,11 @@ void Explain(cCaptureValue& c, int32_t type, DateFormat date_format,
     ExplainValue(type, date_format(), pattern, c.Raw, c.Result, trace);
   }
   c.Risk = trace.Highest();
-  c.Steps = trace.Steps();
   if (options.ReviewGuess && c.Risk == RiskClass::kGuess) {
     status = kCaptureReviewStatus;
     message = kReviewMessagePrefix + trace.Sentences();
   }
+  c.Steps = trace.TakeSteps();
 }
 
 // The pattern a cell is checked against: its line header's.
@@ -173,7 +178,8 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     // Type and pattern resolve over field, template and profile, which the
     // check leaves as they are: resolved once.
     const int32_t type = f->DataType();
-    const std::string pattern = f->Pattern();
+    // Only a pattern type is checked against the pattern.
+    const std::string pattern = IsPatternType(type) ? f->Pattern() : "";
     std::shared_ptr<cFieldType> field_type;
     cRepairTrace trace;
     bool traced = false;

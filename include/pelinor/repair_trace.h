@@ -82,6 +82,11 @@ class cRepairTrace {
   const std::vector<cRepairStep>& Steps() const { return steps_; }
   size_t Size() const { return steps_.size(); }
 
+  // TakeSteps()
+  //
+  // Steps() moved out; the trace is left empty.
+  std::vector<cRepairStep> TakeSteps() { return std::move(steps_); }
+
   // Highest()
   //
   // The highest class among the steps from `from` on; kNone when there
