@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "capture/capture_corpus.h"
@@ -383,6 +385,39 @@ TEST(CaptureRun, StopsWhenTheCallerSaysSo) {
       return ++calls < 5;
     }));
     EXPECT_EQ(calls, 5u);
+  }
+}
+
+TEST(CaptureRun, WorkersStayAFewDocumentsAheadOfASlowCaller) {
+  TempDir dir;
+  std::vector<std::string> files;
+  for (uint32_t i = 0; i < 60; ++i) {
+    files.push_back(dir.File("in/d" + std::to_string(i) + ".tag"));
+  }
+  std::filesystem::create_directories(dir.File("in"));
+  for (uint32_t i = 0; i < files.size(); ++i) {
+    WriteFile(files[i], CorpusDocument(7, i));
+  }
+  for (const int32_t jobs : {2, 3}) {
+    SCOPED_TRACE(jobs);
+    const std::string out = dir.File("out" + std::to_string(jobs));
+    std::string err;
+    auto run = cCaptureRun::Open(RunOptions(out, jobs), Settings("GB"), err);
+    ASSERT_NE(run, nullptr) << err;
+    size_t written_while_busy = 0;
+    EXPECT_TRUE(run->Run(files, [&](const cCaptureFileResult& r) {
+      if (r.Index == 0) {
+        // The other workers go on while the first result is held here,
+        // but no further than four documents a thread past it.
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        for (const auto& e : std::filesystem::directory_iterator(out)) {
+          written_while_busy += e.is_regular_file();
+        }
+      }
+      return true;
+    }));
+    EXPECT_GE(written_while_busy, 1u);
+    EXPECT_LE(written_while_busy, 1u + 4u * static_cast<size_t>(jobs));
   }
 }
 
