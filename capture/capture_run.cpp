@@ -187,11 +187,16 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
       f->Status = kCaptureInvalidStatus;
       f->StatusMessage = kUnknownFieldMessage;
     } else if (!was_valid || options.Recheck) {
+      // Each step of the check would resolve the type again; it is held on
+      // the field meanwhile and the stored one put back after.
+      const int32_t explicit_type = f->ExplicitDataType();
+      f->DataType(type);
       CheckValue(
           f->value, c.Raw, type, pattern, was_valid,
           [&] { return f->Validate(log); },
           [&](cRepairTrace* steps) { f->FormatDataValue(steps); }, f->Status,
           f->StatusMessage, trace, traced);
+      f->DataType(explicit_type);
     }
     c.Result = f->value;
     Explain(

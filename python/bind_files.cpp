@@ -464,6 +464,10 @@ void BindDocument(py::module_& m) {
           "DataType", [](const cFieldData& x) { return x.DataType(); },
           [](cFieldData& x, int32_t v) { x.DataType(v); },
           "The explicit data type when not 0, else DefaultDataType().")
+      .def_property_readonly(
+          "ExplicitDataType", &cFieldData::ExplicitDataType,
+          "The data type stored with the field; 0 when it follows the "
+          "template and profile.")
       .def_property(
           "DataLocation", [](const cFieldData& x) { return x.DataLocation(); },
           [](cFieldData& x, int32_t v) { x.DataLocation(v); },

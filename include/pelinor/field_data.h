@@ -55,6 +55,12 @@ class cFieldData {
   int32_t DataType() const;
   void DataType(int32_t v) { data_type_ = v; }
 
+  // ExplicitDataType()
+  //
+  // The data type stored with the field itself; 0 when it follows the
+  // template and profile.
+  int32_t ExplicitDataType() const { return data_type_; }
+
   // DataLocation()
   //
   // The explicit data location when not 0, else DefaultDataLocation().

@@ -911,6 +911,7 @@ class cFieldData:
     def DefaultDataType(self) -> int:
         """0 without a profile field type; the template's compatible override when set; the profile type otherwise."""
     Document: object
+    ExplicitDataType: object
     def ExtractionZonesRef(self) -> cExtractZones:
         """The template's entry for Name, or None."""
     def FormatDataValue(self) -> None:
