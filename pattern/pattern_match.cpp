@@ -164,7 +164,7 @@ class EntryTable {
     }
   }
 
-  std::vector<uint32_t> slots_{std::vector<uint32_t>(16, kEmpty)};
+  std::vector<uint32_t> slots_;
   std::vector<uint64_t> hashes_;  // by entry
 };
 
@@ -174,11 +174,14 @@ struct RepairScratch {
   std::vector<char> matched;
 
   // The single-character targets of the mappings from each character, in
-  // table order, each once; found for this call when `targets_call[c]` is
-  // `call`.
+  // table order, each once: `target_pool` from `targets_at[c]`, for
+  // `targets_length[c]` characters, found for this call when
+  // `targets_call[c]` is `call`.
   uint32_t call = 0;
   uint32_t targets_call[256] = {};
-  std::string targets[256];
+  uint32_t targets_at[256];
+  uint32_t targets_length[256];
+  std::string target_pool;
   // The replacements asked for in this call (the first `options_used`),
   // found through `option_keys` by character, kind and literal.
   std::vector<std::string> options;
@@ -190,10 +193,10 @@ struct RepairScratch {
   std::vector<RepairSet> sets;
   EntryTable placements;  // entries are indexes of `sets`
   std::vector<uint32_t> choice;
-  // Candidate variations already made (entries are candidate indexes),
-  // and the one being made.
+  // The variations made, each as long as the text, one after the other;
+  // `seen` finds them by their number.
+  std::string variations;
   EntryTable seen;
-  std::string variation;
 
   // The replacements the mappings in `table` offer for `c` at a position
   // of `kind`: the CharTo of every one-character mapping from `c` that
@@ -210,22 +213,25 @@ struct RepairScratch {
     if (entry < option_keys.size()) return entry;
     option_keys.push_back(key);
     const auto byte = static_cast<uint8_t>(c);
-    std::string& from = targets[byte];
     if (targets_call[byte] != call) {
       targets_call[byte] = call;
-      from.clear();
+      const size_t at = target_pool.size();
       for (const cMap& m : table) {
         if (m.CharFrom.size() != 1 || m.CharFrom[0] != c ||
             m.CharTo.size() != 1 ||
-            from.find(m.CharTo[0]) != std::string::npos) {
+            target_pool.find(m.CharTo[0], at) != std::string::npos) {
           continue;
         }
-        from.push_back(m.CharTo[0]);
+        target_pool.push_back(m.CharTo[0]);
       }
+      targets_at[byte] = static_cast<uint32_t>(at);
+      targets_length[byte] = static_cast<uint32_t>(target_pool.size() - at);
     }
     if (options_used == options.size()) options.emplace_back();
     std::string& out = options[options_used++];
     out.clear();
+    const std::string_view from(target_pool.data() + targets_at[byte],
+                                targets_length[byte]);
     for (const char to : from) {
       if (PositionAccepts(kind, literal, to)) out.push_back(to);
     }
@@ -238,6 +244,7 @@ struct RepairScratch {
       std::fill(std::begin(targets_call), std::end(targets_call), 0);
       call = 1;
     }
+    target_pool.clear();
     options_used = 0;
     option_keys.clear();
     option_table.Reset(16);
@@ -421,13 +428,12 @@ bool cPatternEngine::RunExpression(std::string_view text,
 bool cPatternEngine::GenerateVariations(const std::string& text,
                                         bool& plain_run) {
   plain_run = false;
-  size_t made = 1;
-  const auto finish = [this, &made] { candidates_.resize(made); };
+  // Candidates past the first keep their storage for the variations.
   if (candidates_.empty()) candidates_.emplace_back();
   candidates_.front().Variation = text;
   variation_count_ = 1;
   if (CharMapper == nullptr) {
-    finish();
+    candidates_.resize(1);
     return true;
   }
   if (scratch_ == nullptr) scratch_ = std::make_shared<RepairScratch>();
@@ -518,30 +524,34 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
   // Equal repairs keep the order of their shapes and offsets.
   SortRepairs(r);
 
-  // Each variation is made in `r.variation` and kept as the next
-  // candidate's unless an earlier candidate has it already.
+  // Each variation is made at the end of `r.variations` and kept there
+  // unless it was made before.
+  const size_t n = text.size();
+  std::string& pool = r.variations;
+  pool.assign(text);
   r.seen.Reset(r.sets.size() + 1);
   r.seen.FindOrAdd(HashBytes(text), [](uint32_t) { return false; });
-  std::string& variation = r.variation;
+  size_t made = 1;
   for (const RepairSet& set : r.sets) {
     const Fix* fixes = r.fixes.data() + set.begin;
     const size_t count = set.count;
     r.choice.assign(count, 0);
     while (true) {
-      variation = text;
+      const size_t at = pool.size();
+      pool.append(text);
       for (size_t k = 0; k < count; ++k) {
-        variation[fixes[k].position] = r.Option(fixes[k], r.choice[k]);
+        pool[at + fixes[k].position] = r.Option(fixes[k], r.choice[k]);
       }
-      const auto entry = r.seen.FindOrAdd(
-          HashBytes(variation),
-          [&](uint32_t e) { return candidates_[e].Variation == variation; });
+      const std::string_view variation(pool.data() + at, n);
+      const auto entry =
+          r.seen.FindOrAdd(HashBytes(variation), [&](uint32_t e) {
+            return std::string_view(pool.data() + e * n, n) == variation;
+          });
       if (entry == made) {
-        if (made == candidates_.size()) candidates_.emplace_back();
-        candidates_[made++].Variation = variation;
-        if (++variation_count_ == kVariationLimit) {
-          finish();
-          return false;
-        }
+        ++made;
+        if (++variation_count_ == kVariationLimit) return false;
+      } else {
+        pool.resize(at);
       }
       // Next combination: the rightmost position varies fastest, each in
       // mapping order.
@@ -556,7 +566,10 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
       if (!more) break;
     }
   }
-  finish();
+  candidates_.resize(made);
+  for (size_t i = 1; i < made; ++i) {
+    candidates_[i].Variation.assign(pool, i * n, n);
+  }
   return true;
 }
 
