@@ -238,6 +238,19 @@ struct RepairScratch {
     return entry;
   }
 
+  // Gives back storage a huge call left, which a cached engine would
+  // otherwise hold on to for good.
+  void Trim() {
+    constexpr size_t kKeptBytes = size_t{1} << 16;
+    if (variations.capacity() > kKeptBytes) std::string().swap(variations);
+    if (fixes.capacity() * sizeof(Fix) > kKeptBytes) {
+      std::vector<Fix>().swap(fixes);
+    }
+    if (sets.capacity() * sizeof(RepairSet) > kKeptBytes) {
+      std::vector<RepairSet>().swap(sets);
+    }
+  }
+
   // Starts a call: no targets, replacements, repairs or variations yet.
   void Begin(size_t text_size) {
     if (++call == 0) {
@@ -549,7 +562,10 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
           });
       if (entry == made) {
         ++made;
-        if (++variation_count_ == kVariationLimit) return false;
+        if (++variation_count_ == kVariationLimit) {
+          r.Trim();
+          return false;
+        }
       } else {
         pool.resize(at);
       }
@@ -570,6 +586,7 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
   for (size_t i = 1; i < made; ++i) {
     candidates_[i].Variation.assign(pool, i * n, n);
   }
+  r.Trim();
   return true;
 }
 
