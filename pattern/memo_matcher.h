@@ -138,10 +138,6 @@ class SpecProgram {
   // Run() for a listed program: at each place the first way through, in
   // priority order, whose shape the text fits there.
   bool RunListed(std::string_view text, cMatchCollection& matches) const;
-  // True when positions [from, to) of the kinds and literals accept
-  // text[begin, ...) position by position.
-  bool FitsAt(std::string_view text, size_t begin, size_t from,
-              size_t to) const;
   // Lists every way through, in priority order, as Listed() describes;
   // leaves the program unlisted when the shapes would be too long.
   void ListPaths();
