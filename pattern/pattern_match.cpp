@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "pattern/memo_matcher.h"
+#include "pelinor/char_mapper.h"
 #include "pelinor/pattern_engine.h"
 
 namespace pelinor {
@@ -91,6 +92,32 @@ std::vector<std::string> Shapes(const std::vector<cPatternElement>& elements,
     }
   }
   return shapes;
+}
+
+// Appends to `pool` the CharTo of every one-character mapping in `table`
+// from `c`, in table order, each once.
+void AppendTargets(const std::vector<cMap>& table, char c, std::string& pool) {
+  const size_t at = pool.size();
+  for (const cMap& m : table) {
+    if (m.CharFrom.size() != 1 || m.CharFrom[0] != c || m.CharTo.size() != 1 ||
+        pool.find(m.CharTo[0], at) != std::string::npos) {
+      continue;
+    }
+    pool.push_back(m.CharTo[0]);
+  }
+}
+
+// AppendTargets() of the built-in table for each character, found once:
+// that table never changes (a mapper copies it before its first change).
+const std::string* BuiltInTargets() {
+  static const std::string* const targets = [] {
+    auto* t = new std::string[256];
+    for (int c = 0; c < 256; ++c) {
+      AppendTargets(BuiltInCharMappings(), static_cast<char>(c), t[c]);
+    }
+    return t;
+  }();
+  return targets;
 }
 
 uint64_t HashBytes(std::string_view bytes) {
@@ -213,25 +240,23 @@ struct RepairScratch {
     if (entry < option_keys.size()) return entry;
     option_keys.push_back(key);
     const auto byte = static_cast<uint8_t>(c);
-    if (targets_call[byte] != call) {
-      targets_call[byte] = call;
-      const size_t at = target_pool.size();
-      for (const cMap& m : table) {
-        if (m.CharFrom.size() != 1 || m.CharFrom[0] != c ||
-            m.CharTo.size() != 1 ||
-            target_pool.find(m.CharTo[0], at) != std::string::npos) {
-          continue;
-        }
-        target_pool.push_back(m.CharTo[0]);
+    std::string_view from;
+    if (&table == &BuiltInCharMappings()) {
+      from = BuiltInTargets()[byte];
+    } else {
+      if (targets_call[byte] != call) {
+        targets_call[byte] = call;
+        const size_t at = target_pool.size();
+        AppendTargets(table, c, target_pool);
+        targets_at[byte] = static_cast<uint32_t>(at);
+        targets_length[byte] = static_cast<uint32_t>(target_pool.size() - at);
       }
-      targets_at[byte] = static_cast<uint32_t>(at);
-      targets_length[byte] = static_cast<uint32_t>(target_pool.size() - at);
+      from = std::string_view(target_pool.data() + targets_at[byte],
+                              targets_length[byte]);
     }
     if (options_used == options.size()) options.emplace_back();
     std::string& out = options[options_used++];
     out.clear();
-    const std::string_view from(target_pool.data() + targets_at[byte],
-                                targets_length[byte]);
     for (const char to : from) {
       if (PositionAccepts(kind, literal, to)) out.push_back(to);
     }

@@ -449,5 +449,29 @@ TEST(PatternMatch, CoercedVariationsOnAwkwardTexts) {
   }
 }
 
+TEST(PatternMatch, MappingsAddedToTheBuiltInOnesAreUsed) {
+  // The built-in table is looked up through an index made once; a mapper
+  // given more mappings has a table of its own, read as it stands.
+  struct Case {
+    std::string added;  // pairs appended to the built-in mappings
+    std::string spec, text, value;
+  };
+  const Case cases[] = {
+      {"", "0000", "1O5I", "1051"},   {"", "0", "x", ""}, {"x7", "0", "x", "7"},
+      {"O9", "0000", "1O5I", "1051"},  // appended: tried after "O" to "0"
+      {"x7x8", "00", "xx", "77"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.added + ": " + c.spec + " on " + c.text);
+    cPatternEngine engine;
+    engine.PerformCoertion = true;
+    for (size_t i = 0; i + 1 < c.added.size(); i += 2) {
+      engine.CharMapper->Add(c.added.substr(i, 1), c.added.substr(i + 1, 1));
+    }
+    const Outcome out = Evaluate(engine, c.spec, c.text, true);
+    EXPECT_EQ(out.value, c.value);
+  }
+}
+
 }  // namespace
 }  // namespace pelinor
