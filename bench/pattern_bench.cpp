@@ -9,12 +9,20 @@
 // evaluation entry end to end with no "CharMap.txt" (the registry named by
 // PELINOR_REGISTRY does not exist), so they include the engine's creation,
 // the registry look-up and the file check made on every call.
+//
+// BM_EngineRepair and BM_SnapshotEvaluateRepair time the look-alike repair
+// on an invoice's values ("INV-0O1234", "P0-004521", "GB 123 4567 89"):
+// the first on engines loaded once, the second through a settings
+// snapshot with a repair trace, as a batch capture evaluates them.
 
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <benchmark/benchmark.h>
 #include <pcre2.h>
 
 #include <cstdlib>
+#include <iterator>
+#include <memory>
+#include <optional>
 #include <regex>
 #include <string>
 #include <vector>
@@ -22,6 +30,8 @@
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/reg_exp.h"
+#include "pelinor/repair_trace.h"
+#include "pelinor/settings_snapshot.h"
 
 namespace {
 
@@ -223,5 +233,70 @@ void BM_EvaluatePatternManyOptionalParts(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_EvaluatePatternManyOptionalParts);
+
+// Invoice values with look-alikes and the patterns they are checked
+// against, and the value each repair gives.
+struct RepairCase {
+  const char* spec;
+  const char* text;
+  bool suppress_spaces;
+  const char* value;
+};
+constexpr RepairCase kRepairCases[] = {
+    {"\"INV-\"000000", "INV-0O1234", false, "INV-001234"},
+    {"PO000000|PO-000000", "P0-004521", false, "PO-004521"},
+    {"GB000000000(000)", "GB 123 4567 89", true, "GB123456789"},
+};
+
+void BM_EngineRepair(benchmark::State& state) {
+  std::vector<std::unique_ptr<pelinor::cPatternEngine>> engines;
+  for (const RepairCase& c : kRepairCases) {
+    auto engine = std::make_unique<pelinor::cPatternEngine>();
+    std::string error;
+    bool ok = false;
+    engine->LoadSBSExpression(c.spec, error, ok);
+    engine->PerformCoertion = true;
+    engine->SuppressSpaces = c.suppress_spaces;
+    engines.push_back(std::move(engine));
+  }
+  std::string text, value, error;
+  for (auto _ : state) {
+    for (size_t i = 0; i < engines.size(); ++i) {
+      text = kRepairCases[i].text;
+      bool ok = false;
+      engines[i]->Execute(text, error, ok);
+      if (ok) engines[i]->BestCandidateWhole(value, ok);
+      if (!ok || value != kRepairCases[i].value) {
+        state.SkipWithError("unexpected repair");
+        return;
+      }
+    }
+  }
+  state.SetItemsProcessed(state.iterations() *
+                          static_cast<int64_t>(engines.size()));
+}
+BENCHMARK(BM_EngineRepair);
+
+void BM_SnapshotEvaluateRepair(benchmark::State& state) {
+  const auto snapshot = pelinor::cSettingsSnapshot::Make(std::nullopt, "");
+  std::string text, value, error;
+  pelinor::cRepairTrace trace;
+  for (auto _ : state) {
+    for (const RepairCase& c : kRepairCases) {
+      text = c.text;
+      trace.Clear();
+      const bool ok =
+          pelinor::EvaluatePattern(text, c.spec, true, c.suppress_spaces, true,
+                                   false, value, error, "", *snapshot, &trace);
+      if (!ok || value != c.value) {
+        state.SkipWithError("unexpected repair");
+        return;
+      }
+    }
+  }
+  state.SetItemsProcessed(state.iterations() *
+                          static_cast<int64_t>(std::size(kRepairCases)));
+}
+BENCHMARK(BM_SnapshotEvaluateRepair);
 
 }  // namespace

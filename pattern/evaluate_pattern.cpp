@@ -27,8 +27,10 @@ namespace {
 void TraceEvaluation(const cPatternEngine& engine, const std::string& original,
                      bool whole, bool keep, cRepairTrace& trace) {
   const std::string& evaluated = engine.EvaluatedText();
-  // One-based position in `original` of each evaluated character.
-  std::vector<int32_t> where;
+  // One-based position in `original` of each evaluated character. Kept
+  // per thread, as a batch traces every value it evaluates.
+  thread_local std::vector<int32_t> where;
+  where.clear();
   where.reserve(evaluated.size());
   size_t spaces = 0;
   int32_t firstSpace = 0;
@@ -55,7 +57,8 @@ void TraceEvaluation(const cPatternEngine& engine, const std::string& original,
   }
   const cPatternCandidate& best =
       engine.Candidates()[static_cast<size_t>(index)];
-  std::vector<bool> covered(evaluated.size(), false);
+  thread_local std::vector<bool> covered;
+  covered.assign(evaluated.size(), false);
   size_t firstMatch = evaluated.size();
   size_t lastMatch = 0;
   for (const cMatch& m : best.Matches) {
@@ -70,11 +73,14 @@ void TraceEvaluation(const cPatternEngine& engine, const std::string& original,
       if (k >= best.Variation.size() || best.Variation[k] == evaluated[k]) {
         continue;
       }
-      trace.Add("pattern-variation",
-                std::string(1, evaluated[k]) + " at " +
-                    std::to_string(where[k]) + " mapped to " +
-                    best.Variation[k],
-                where[k], std::string(1, evaluated[k]),
+      // "<c> at <position> mapped to <c>", built in place.
+      std::string sentence(1, evaluated[k]);
+      sentence += " at ";
+      sentence += std::to_string(where[k]);
+      sentence += " mapped to ";
+      sentence += best.Variation[k];
+      trace.Add("pattern-variation", std::move(sentence), where[k],
+                std::string(1, evaluated[k]),
                 std::string(1, best.Variation[k]));
     }
   }

@@ -19,6 +19,8 @@ constexpr size_t kMaxMarks = size_t{8} << 20;
 // regular expression as before, so that whatever it makes of a huge text
 // stays the outcome.
 constexpr size_t kMaxFixedText = size_t{1} << 16;
+// Most positions the shapes of a listed program may hold together.
+constexpr size_t kMaxListedPositions = 4096;
 
 // What kDigit, kUpper, kLower and kAny accept, by byte.
 struct AcceptTable {
@@ -147,8 +149,51 @@ std::shared_ptr<const SpecProgram> SpecProgram::Build(
       p->fixed_kinds_.append(step.max, step.kind);
       p->fixed_literals_.append(step.max, step.literal);
     }
+  } else if (p->paths_ <= kMaxListedPaths) {
+    p->ListPaths();
   }
   return p;
+}
+
+void SpecProgram::ListPaths() {
+  // The search's order, walked to the end of every way: an element
+  // present before absent, a step's longest run first.
+  std::string kinds;
+  std::string literals;
+  bool too_long = false;
+  const auto walk = [&](const auto& self, size_t e, size_t s) -> void {
+    if (too_long) return;
+    if (e == optional_.size()) {
+      if (fixed_kinds_.size() + kinds.size() > kMaxListedPositions) {
+        too_long = true;
+        return;
+      }
+      fixed_kinds_ += kinds;
+      fixed_literals_ += literals;
+      listed_ends_.push_back(static_cast<uint32_t>(fixed_kinds_.size()));
+      return;
+    }
+    if (s == first_[e + 1]) {
+      self(self, e + 1, first_[e + 1]);
+      return;
+    }
+    const Step& step = steps_[s];
+    for (uint32_t n = step.max + 1; n-- > step.min;) {
+      kinds.append(n, step.kind);
+      literals.append(n, step.literal);
+      self(self, e, s + 1);
+      kinds.resize(kinds.size() - n);
+      literals.resize(literals.size() - n);
+    }
+    // Absent: the element's steps are skipped from its first one only.
+    if (s == first_[e] && optional_[e]) self(self, e + 1, first_[e + 1]);
+  };
+  walk(walk, 0, first_.empty() ? 0 : first_[0]);
+  if (too_long) {
+    fixed_kinds_.clear();
+    fixed_literals_.clear();
+    listed_ends_.clear();
+  }
 }
 
 bool SpecProgram::FixedAt(std::string_view text, size_t begin) const {
@@ -161,6 +206,50 @@ bool SpecProgram::FixedAt(std::string_view text, size_t begin) const {
                                             [static_cast<uint8_t>(at[j])]) {
       return false;
     }
+  }
+  return true;
+}
+
+bool SpecProgram::RunListed(std::string_view text,
+                            cMatchCollection& matches) const {
+  const size_t n = text.size();
+  const char* kinds = fixed_kinds_.data();
+  const char* literals = fixed_literals_.data();
+  // Whether positions [from, to) accept the text from `begin` on.
+  const auto fits = [&](size_t begin, size_t from, size_t to) {
+    const char* at = text.data() + begin - from;
+    for (size_t j = from; j < to; ++j) {
+      const char kind = kinds[j];
+      if (kind == kLit ? at[j] != literals[j]
+                       : !kAcceptTable.accepts[static_cast<size_t>(kind)]
+                                              [static_cast<uint8_t>(at[j])]) {
+        return false;
+      }
+    }
+    return true;
+  };
+  // The enumeration of Run(), with the first way through that fits at a
+  // place as the search would find it.
+  size_t pos = 0;
+  while (pos <= n) {
+    size_t begin = pos;
+    size_t length = 0;
+    bool found = false;
+    for (; begin <= n; ++begin) {
+      size_t from = 0;
+      for (const uint32_t to : listed_ends_) {
+        length = to - from;
+        if (begin + length <= n && fits(begin, from, to)) {
+          found = true;
+          break;
+        }
+        from = to;
+      }
+      if (found) break;
+    }
+    if (!found) break;
+    matches.Add(text.substr(begin, length), static_cast<int32_t>(begin));
+    pos = length == 0 ? begin + 1 : begin + length;
   }
   return true;
 }
@@ -199,6 +288,10 @@ bool SpecProgram::Run(std::string_view text, cMatchCollection& matches) const {
   matches.Clear();
   if (paths_ == 1 && text.size() <= kMaxFixedText) {
     return RunFixed(text, matches);
+  }
+  if (Listed()) {
+    // Longer texts go to the regular expression, as for fixed programs.
+    return text.size() <= kMaxFixedText && RunListed(text, matches);
   }
   if ((steps_.size() + optional_.size()) * (text.size() + 1) > kMaxMarks * 8) {
     return false;

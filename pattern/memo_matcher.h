@@ -107,9 +107,18 @@ class SpecProgram {
   // The number of ways the pattern can be walked from one place (each
   // optional element present or absent, each brace section at each of its
   // lengths), capped at 2^32. A backtracking engine may try them all
-  // before it gives up on a place; with few the regular expression is
-  // the faster choice.
+  // before it gives up on a place.
   uint64_t Paths() const { return paths_; }
+
+  // Listed()
+  //
+  // True when the program holds each of its few ways through as a fixed
+  // shape (Paths() at most kMaxListedPaths, none too long), so that Run()
+  // checks them in turn at each place instead of searching.
+  bool Listed() const { return !listed_ends_.empty(); }
+
+  // The most ways through a program lists as shapes.
+  static constexpr uint64_t kMaxListedPaths = 16;
 
  private:
   struct Step {
@@ -126,11 +135,20 @@ class SpecProgram {
   bool RunFixed(std::string_view text, cMatchCollection& matches) const;
   // True when the positions of a fixed program accept text[begin, ...).
   bool FixedAt(std::string_view text, size_t begin) const;
+  // Run() for a listed program: at each place the first way through, in
+  // priority order, whose shape the text fits there.
+  bool RunListed(std::string_view text, cMatchCollection& matches) const;
+  // Lists every way through, in priority order, as Listed() describes;
+  // leaves the program unlisted when the shapes would be too long.
+  void ListPaths();
 
   std::vector<Step> steps_;
   // With one way through: the kind and literal of each position in turn.
+  // With a few (Listed()): those of every way through in priority order,
+  // way k holding positions [listed_ends_[k - 1], listed_ends_[k]).
   std::string fixed_kinds_;
   std::string fixed_literals_;
+  std::vector<uint32_t> listed_ends_;
   // Element e owns steps [first_[e], first_[e + 1]).
   std::vector<uint32_t> first_;
   std::vector<bool> optional_;

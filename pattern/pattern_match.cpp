@@ -7,11 +7,13 @@
 #include <functional>
 #include <new>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "pattern/memo_matcher.h"
+#include "pelinor/char_mapper.h"
 #include "pelinor/pattern_engine.h"
 
 namespace pelinor {
@@ -92,101 +94,259 @@ std::vector<std::string> Shapes(const std::vector<cPatternElement>& elements,
   return shapes;
 }
 
-// The replacements the mappings offer for `c` at a position of `kind`:
-// the CharTo of every one-character mapping from `c` that the position
-// accepts, in table order, each once.
-class Replacements {
- public:
-  explicit Replacements(const std::vector<cMap>& table) : table_(table) {}
-
-  const std::string& For(char c, char kind, char literal) {
-    const uint32_t key = static_cast<uint32_t>(static_cast<uint8_t>(c)) << 16 |
-                         static_cast<uint32_t>(static_cast<uint8_t>(kind))
-                             << 8 |
-                         static_cast<uint8_t>(literal);
-    auto it = cache_.find(key);
-    if (it != cache_.end()) return it->second;
-    std::string options;
-    for (const cMap& m : table_) {
-      if (m.CharFrom.size() != 1 || m.CharFrom[0] != c ||
-          m.CharTo.size() != 1 ||
-          !PositionAccepts(kind, literal, m.CharTo[0]) ||
-          options.find(m.CharTo[0]) != std::string::npos) {
-        continue;
-      }
-      options.push_back(m.CharTo[0]);
+// Appends to `pool` the CharTo of every one-character mapping in `table`
+// from `c`, in table order, each once.
+void AppendTargets(const std::vector<cMap>& table, char c, std::string& pool) {
+  const size_t at = pool.size();
+  for (const cMap& m : table) {
+    if (m.CharFrom.size() != 1 || m.CharFrom[0] != c || m.CharTo.size() != 1 ||
+        pool.find(m.CharTo[0], at) != std::string::npos) {
+      continue;
     }
-    return cache_.emplace(key, std::move(options)).first->second;
+    pool.push_back(m.CharTo[0]);
   }
+}
 
- private:
-  const std::vector<cMap>& table_;
-  std::unordered_map<uint32_t, std::string> cache_;
-};
+// AppendTargets() of the built-in table for each character, found once:
+// that table never changes (a mapper copies it before its first change).
+const std::string* BuiltInTargets() {
+  static const std::string* const targets = [] {
+    auto* t = new std::string[256];
+    for (int c = 0; c < 256; ++c) {
+      AppendTargets(BuiltInCharMappings(), static_cast<char>(c), t[c]);
+    }
+    return t;
+  }();
+  return targets;
+}
 
-// One character to repair and the replacements it can take.
+uint64_t HashBytes(std::string_view bytes) {
+  return std::hash<std::string_view>()(bytes);
+}
+
+}  // namespace
+
+namespace internal {
+
+// One character to repair and the replacements it can take: `options`
+// indexes RepairScratch::options, one entry per character, kind and
+// literal asked for, so that two fixes with the same position and index
+// repair the same character the same way.
 struct Fix {
   uint32_t position;
-  const std::string* options;
+  uint32_t options;
 };
 
 // Characters repaired together: those of one placement of a shape, or of
-// several placements at separate places. `matched` counts the characters
-// among them that the expression already matches in the text.
+// several placements at separate places; fixes [begin, begin + count) of
+// RepairScratch::fixes, by position. `matched` counts the characters among
+// them that the expression already matches in the text.
 struct RepairSet {
-  std::vector<Fix> fixes;  // by position
+  uint32_t begin = 0;
+  uint32_t count = 0;
   uint32_t matched = 0;
   uint32_t parts = 1;  // placements joined
 };
 
-std::string Signature(const std::vector<Fix>& fixes) {
-  std::string key;
-  key.reserve(fixes.size() * 12);
-  for (const Fix& f : fixes) {
-    key.append(reinterpret_cast<const char*>(&f.position), sizeof f.position);
-    key.append(reinterpret_cast<const char*>(&f.options), sizeof f.options);
+// An open-addressing table of entry numbers, emptied in time proportional
+// to its size, which stays near twice the entries of one call.
+class EntryTable {
+ public:
+  // Empties the table for about `expected` entries.
+  void Reset(size_t expected) {
+    size_t size = 16;
+    while (size < 2 * expected) size *= 2;
+    slots_.assign(size, kEmpty);
+    hashes_.clear();
   }
-  return key;
-}
+
+  // The entry of hash `hash` for which `same(entry)` holds, or else adds
+  // `entry` (the number of entries added so far) and returns it.
+  template <typename Same>
+  uint32_t FindOrAdd(uint64_t hash, Same same) {
+    if (2 * (hashes_.size() + 1) > slots_.size()) Grow();
+    const size_t mask = slots_.size() - 1;
+    for (size_t i = hash & mask;; i = (i + 1) & mask) {
+      const uint32_t e = slots_[i];
+      if (e == kEmpty) {
+        const auto added = static_cast<uint32_t>(hashes_.size());
+        slots_[i] = added;
+        hashes_.push_back(hash);
+        return added;
+      }
+      if (hashes_[e] == hash && same(e)) return e;
+    }
+  }
+
+ private:
+  static constexpr uint32_t kEmpty = ~uint32_t{0};
+
+  void Grow() {
+    slots_.assign(slots_.size() * 2, kEmpty);
+    const size_t mask = slots_.size() - 1;
+    for (uint32_t e = 0; e < hashes_.size(); ++e) {
+      size_t i = hashes_[e] & mask;
+      while (slots_[i] != kEmpty) i = (i + 1) & mask;
+      slots_[i] = e;
+    }
+  }
+
+  std::vector<uint32_t> slots_;
+  std::vector<uint64_t> hashes_;  // by entry
+};
+
+// What GenerateVariations() works with, kept by the engine between calls.
+struct RepairScratch {
+  // Whether the expression matches each character of the text.
+  std::vector<char> matched;
+
+  // The single-character targets of the mappings from each character, in
+  // table order, each once: `target_pool` from `targets_at[c]`, for
+  // `targets_length[c]` characters, found for this call when
+  // `targets_call[c]` is `call`.
+  uint32_t call = 0;
+  uint32_t targets_call[256] = {};
+  uint32_t targets_at[256];
+  uint32_t targets_length[256];
+  std::string target_pool;
+  // The replacements asked for in this call (the first `options_used`),
+  // found through `option_keys` by character, kind and literal.
+  std::vector<std::string> options;
+  size_t options_used = 0;
+  std::vector<uint32_t> option_keys;  // by entry of `option_table`
+  EntryTable option_table;
+
+  std::vector<Fix> fixes;
+  std::vector<RepairSet> sets;
+  EntryTable placements;  // entries are indexes of `sets`
+  std::vector<uint32_t> choice;
+  // The variations made, each as long as the text, one after the other;
+  // `seen` finds them by their number.
+  std::string variations;
+  EntryTable seen;
+
+  // The replacements the mappings in `table` offer for `c` at a position
+  // of `kind`: the CharTo of every one-character mapping from `c` that
+  // the position accepts, in table order, each once.
+  uint32_t OptionsFor(const std::vector<cMap>& table, char c, char kind,
+                      char literal) {
+    const uint32_t key = static_cast<uint32_t>(static_cast<uint8_t>(c)) << 16 |
+                         static_cast<uint32_t>(static_cast<uint8_t>(kind))
+                             << 8 |
+                         static_cast<uint8_t>(literal);
+    const uint32_t entry = option_table.FindOrAdd(
+        key * uint64_t{0x9E3779B97F4A7C15},
+        [&](uint32_t e) { return option_keys[e] == key; });
+    if (entry < option_keys.size()) return entry;
+    option_keys.push_back(key);
+    const auto byte = static_cast<uint8_t>(c);
+    std::string_view from;
+    if (&table == &BuiltInCharMappings()) {
+      from = BuiltInTargets()[byte];
+    } else {
+      if (targets_call[byte] != call) {
+        targets_call[byte] = call;
+        const size_t at = target_pool.size();
+        AppendTargets(table, c, target_pool);
+        targets_at[byte] = static_cast<uint32_t>(at);
+        targets_length[byte] = static_cast<uint32_t>(target_pool.size() - at);
+      }
+      from = std::string_view(target_pool.data() + targets_at[byte],
+                              targets_length[byte]);
+    }
+    if (options_used == options.size()) options.emplace_back();
+    std::string& out = options[options_used++];
+    out.clear();
+    for (const char to : from) {
+      if (PositionAccepts(kind, literal, to)) out.push_back(to);
+    }
+    return entry;
+  }
+
+  // Gives back storage a huge call left, which a cached engine would
+  // otherwise hold on to for good.
+  void Trim() {
+    constexpr size_t kKeptBytes = size_t{1} << 16;
+    if (variations.capacity() > kKeptBytes) std::string().swap(variations);
+    if (fixes.capacity() * sizeof(Fix) > kKeptBytes) {
+      std::vector<Fix>().swap(fixes);
+    }
+    if (sets.capacity() * sizeof(RepairSet) > kKeptBytes) {
+      std::vector<RepairSet>().swap(sets);
+    }
+  }
+
+  // Starts a call: no targets, replacements, repairs or variations yet.
+  void Begin(size_t text_size) {
+    if (++call == 0) {
+      std::fill(std::begin(targets_call), std::end(targets_call), 0);
+      call = 1;
+    }
+    target_pool.clear();
+    options_used = 0;
+    option_keys.clear();
+    option_table.Reset(16);
+    fixes.clear();
+    sets.clear();
+    placements.Reset(text_size);
+    matched.assign(text_size, 0);
+  }
+
+  size_t OptionCount(const Fix& f) const { return options[f.options].size(); }
+  char Option(const Fix& f, size_t k) const { return options[f.options][k]; }
+};
+
+}  // namespace internal
+
+namespace {
+
+using internal::EntryTable;
+using internal::Fix;
+using internal::RepairScratch;
+using internal::RepairSet;
 
 // Combinations are not searched beyond this many steps, which keeps the
 // work bounded for long texts with many possible repairs.
 constexpr size_t kMaxCombinationSteps = 200000;
 
 // The number of variations `set` yields, at most `cap`.
-size_t VariationsOf(const RepairSet& set, size_t cap) {
+size_t VariationsOf(const RepairScratch& r, const RepairSet& set, size_t cap) {
   size_t n = 1;
-  for (const Fix& f : set.fixes) {
-    n *= f.options->size();
+  for (uint32_t k = 0; k < set.count; ++k) {
+    n *= r.OptionCount(r.fixes[set.begin + k]);
     if (n >= cap) return cap;
   }
   return n;
 }
 
-// Adds to `sets` the unions of two or more of its repairs that change only
-// unmatched characters and lie at separate places (each begins after the
-// previous one ends), so misreads at several places are repaired together.
-// Unions come in order of the number of characters they change, and are
-// added only while every variation still fits under the limit: a text
-// whose single placements fit is never failed by its unions.
-void AddCombinations(std::vector<RepairSet>& sets) {
+// Adds to `r.sets` the unions of two or more of its repairs that change
+// only unmatched characters and lie at separate places (each begins after
+// the previous one ends), so misreads at several places are repaired
+// together. Unions come in order of the number of characters they change,
+// and are added only while every variation still fits under the limit: a
+// text whose single placements fit is never failed by its unions.
+void AddCombinations(RepairScratch& r) {
   const size_t limit = static_cast<size_t>(kVariationLimit) - 1;
   size_t used = 1;  // the text itself
-  for (const RepairSet& s : sets) used += VariationsOf(s, limit);
+  for (const RepairSet& s : r.sets) used += VariationsOf(r, s, limit);
   if (used >= limit) return;
   size_t budget = limit - used;
-  std::vector<const RepairSet*> parts;
-  for (const RepairSet& s : sets) {
-    if (s.matched == 0) parts.push_back(&s);
+  // Parts by index in `r.sets`, which grows below.
+  std::vector<uint32_t> parts;
+  for (uint32_t i = 0; i < r.sets.size(); ++i) {
+    if (r.sets[i].matched == 0) parts.push_back(i);
   }
   if (parts.size() < 2) return;
-  std::stable_sort(
-      parts.begin(), parts.end(), [](const RepairSet* a, const RepairSet* b) {
-        return a->fixes.front().position < b->fixes.front().position;
-      });
+  const auto first = [&r](uint32_t set) {
+    return r.fixes[r.sets[set].begin].position;
+  };
+  const auto last = [&r](uint32_t set) {
+    return r.fixes[r.sets[set].begin + r.sets[set].count - 1].position;
+  };
+  std::stable_sort(parts.begin(), parts.end(),
+                   [&](uint32_t a, uint32_t b) { return first(a) < first(b); });
   size_t total = 0;
-  for (const RepairSet* p : parts) total += p->fixes.size();
-  std::vector<RepairSet> unions;
+  for (const uint32_t p : parts) total += r.sets[p].count;
   std::vector<size_t> chain;
   size_t steps = 0;
   bool full = false;
@@ -197,29 +357,32 @@ void AddCombinations(std::vector<RepairSet>& sets) {
         [&](size_t from, size_t size, int64_t after) {
           for (size_t i = from; i < parts.size(); ++i) {
             if (full || ++steps > kMaxCombinationSteps) return;
-            const RepairSet& p = *parts[i];
-            if (static_cast<int64_t>(p.fixes.front().position) <= after) {
-              continue;
-            }
-            const size_t grown = size + p.fixes.size();
+            const RepairSet p = r.sets[parts[i]];
+            if (static_cast<int64_t>(first(parts[i])) <= after) continue;
+            const size_t grown = size + p.count;
             if (grown > want) continue;
             chain.push_back(i);
             if (grown == want && chain.size() >= 2) {
               RepairSet u;
               u.parts = static_cast<uint32_t>(chain.size());
-              for (size_t c : chain) {
-                const auto& f = parts[c]->fixes;
-                u.fixes.insert(u.fixes.end(), f.begin(), f.end());
+              u.begin = static_cast<uint32_t>(r.fixes.size());
+              for (const size_t c : chain) {
+                const RepairSet& part = r.sets[parts[c]];
+                for (uint32_t k = 0; k < part.count; ++k) {
+                  r.fixes.push_back(r.fixes[part.begin + k]);
+                }
               }
-              const size_t n = VariationsOf(u, limit);
+              u.count = static_cast<uint32_t>(r.fixes.size() - u.begin);
+              const size_t n = VariationsOf(r, u, limit);
               if (n > budget) {
                 full = true;
+                r.fixes.resize(u.begin);
               } else {
                 budget -= n;
-                unions.push_back(std::move(u));
+                r.sets.push_back(u);
               }
             } else if (grown < want) {
-              extend(i + 1, grown, p.fixes.back().position);
+              extend(i + 1, grown, last(parts[i]));
             }
             chain.pop_back();
           }
@@ -227,9 +390,44 @@ void AddCombinations(std::vector<RepairSet>& sets) {
     extend(0, 0, -1);
     if (steps > kMaxCombinationSteps) break;
   }
-  for (RepairSet& u : unions) sets.push_back(std::move(u));
 }
 
+// The order repairs are tried in: those that leave matched characters
+// alone first, then fewer characters changed, then fewer placements
+// joined, then the changed positions from left to right.
+bool TriedBefore(const RepairScratch& r, const RepairSet& a,
+                 const RepairSet& b) {
+  if (a.matched != b.matched) return a.matched < b.matched;
+  if (a.count != b.count) return a.count < b.count;
+  if (a.parts != b.parts) return a.parts < b.parts;
+  for (uint32_t k = 0; k < a.count; ++k) {
+    const uint32_t pa = r.fixes[a.begin + k].position;
+    const uint32_t pb = r.fixes[b.begin + k].position;
+    if (pa != pb) return pa < pb;
+  }
+  return false;
+}
+
+// Sorts `r.sets` by TriedBefore(), equal repairs keeping their order.
+void SortRepairs(RepairScratch& r) {
+  std::vector<RepairSet>& sets = r.sets;
+  const auto before = [&r](const RepairSet& a, const RepairSet& b) {
+    return TriedBefore(r, a, b);
+  };
+  // A stable order is unique, so a few repairs are put in it by insertion
+  // without the merge sort's buffer.
+  constexpr size_t kInsertionSort = 16;
+  if (sets.size() > kInsertionSort) {
+    std::stable_sort(sets.begin(), sets.end(), before);
+    return;
+  }
+  for (size_t i = 1; i < sets.size(); ++i) {
+    const RepairSet moving = sets[i];
+    size_t j = i;
+    for (; j > 0 && before(moving, sets[j - 1]); --j) sets[j] = sets[j - 1];
+    sets[j] = moving;
+  }
+}
 }  // namespace
 
 bool cPatternEngine::EnsureRegExp(std::string& strErrMsg) {
@@ -266,23 +464,30 @@ bool cPatternEngine::RunExpression(std::string_view text,
 }
 
 bool cPatternEngine::GenerateVariations(const std::string& text,
-                                        std::vector<std::string>& variations) {
-  variations.clear();
-  variations.push_back(text);
+                                        bool& plain_run) {
+  plain_run = false;
+  // Candidates past the first keep their storage for the variations.
+  if (candidates_.empty()) candidates_.emplace_back();
+  candidates_.front().Variation = text;
   variation_count_ = 1;
-  if (CharMapper == nullptr) return true;
+  if (CharMapper == nullptr) {
+    candidates_.resize(1);
+    return true;
+  }
+  if (scratch_ == nullptr) scratch_ = std::make_shared<RepairScratch>();
+  RepairScratch& r = *scratch_;
+  r.Begin(text.size());
 
   // The characters the expression already matches in the text as it
   // stands; they are changed only after every repair that leaves them.
-  std::vector<bool> matched(text.size(), false);
+  // These are the first candidate's matches too.
   {
-    cMatchCollection plain;
     std::string ignored;
-    if (RunExpression(text, plain, ignored)) {
+    cMatchCollection& plain = candidates_.front().Matches;
+    plain_run = RunExpression(text, plain, ignored);
+    if (plain_run) {
       for (const cMatch& m : plain) {
-        for (int32_t k = 0; k < m.Length; ++k) {
-          matched[static_cast<size_t>(m.FirstIndex + k)] = true;
-        }
+        std::fill_n(r.matched.begin() + m.FirstIndex, m.Length, 1);
       }
     }
   }
@@ -301,84 +506,112 @@ bool cPatternEngine::GenerateVariations(const std::string& text,
             .first;
   }
   const std::vector<std::string>& shapes = cached->second;
-  Replacements replacements(CharMapper->Mappings());
-  std::vector<RepairSet> sets;
-  std::unordered_set<std::string> signatures;
+  const std::vector<cMap>& table = CharMapper->Mappings();
   for (const std::string& shape : shapes) {
     const size_t length = shape.size() / 2;
     if (length == 0) continue;
     for (size_t offset = 0; offset + length <= text.size(); ++offset) {
-      RepairSet set;
+      const auto begin = static_cast<uint32_t>(r.fixes.size());
       bool viable = true;
-      for (size_t j = 0; j < length && viable; ++j) {
+      for (size_t j = 0; j < length; ++j) {
         const char c = text[offset + j];
         const char kind = shape[2 * j];
         const char literal = shape[2 * j + 1];
         if (PositionAccepts(kind, literal, c)) continue;
-        const std::string& options = replacements.For(c, kind, literal);
-        if (options.empty()) {
+        const uint32_t options = r.OptionsFor(table, c, kind, literal);
+        if (r.options[options].empty()) {
           viable = false;
-        } else {
-          set.fixes.push_back(Fix{static_cast<uint32_t>(offset + j), &options});
+          break;
         }
+        r.fixes.push_back(Fix{static_cast<uint32_t>(offset + j), options});
       }
-      if (!viable || set.fixes.empty()) continue;
+      const auto count = static_cast<uint32_t>(r.fixes.size() - begin);
+      if (!viable || count == 0) {
+        r.fixes.resize(begin);
+        continue;
+      }
       // Placements that repair the same characters the same way are one
       // repair.
-      if (!signatures.insert(Signature(set.fixes)).second) continue;
-      for (const Fix& f : set.fixes) set.matched += matched[f.position];
-      sets.push_back(std::move(set));
+      const std::string_view signature(
+          reinterpret_cast<const char*>(r.fixes.data() + begin),
+          count * sizeof(Fix));
+      const auto same = [&](uint32_t e) {
+        const RepairSet& other = r.sets[e];
+        return other.count == count &&
+               std::equal(
+                   r.fixes.begin() + other.begin,
+                   r.fixes.begin() + other.begin + count,
+                   r.fixes.begin() + begin, [](const Fix& a, const Fix& b) {
+                     return a.position == b.position && a.options == b.options;
+                   });
+      };
+      if (r.placements.FindOrAdd(HashBytes(signature), same) < r.sets.size()) {
+        r.fixes.resize(begin);
+        continue;
+      }
+      RepairSet set;
+      set.begin = begin;
+      set.count = count;
+      for (uint32_t k = begin; k < begin + count; ++k) {
+        set.matched += static_cast<uint32_t>(r.matched[r.fixes[k].position]);
+      }
+      r.sets.push_back(set);
     }
   }
-  AddCombinations(sets);
+  AddCombinations(r);
+  // Equal repairs keep the order of their shapes and offsets.
+  SortRepairs(r);
 
-  // Repairs that leave matched characters alone first, then fewer
-  // characters changed, then fewer placements joined, then the changed
-  // positions from left to right; equal repairs keep the order of their
-  // shapes and offsets.
-  std::stable_sort(sets.begin(), sets.end(),
-                   [](const RepairSet& a, const RepairSet& b) {
-                     if (a.matched != b.matched) return a.matched < b.matched;
-                     if (a.fixes.size() != b.fixes.size()) {
-                       return a.fixes.size() < b.fixes.size();
-                     }
-                     if (a.parts != b.parts) return a.parts < b.parts;
-                     for (size_t k = 0; k < a.fixes.size(); ++k) {
-                       if (a.fixes[k].position != b.fixes[k].position) {
-                         return a.fixes[k].position < b.fixes[k].position;
-                       }
-                     }
-                     return false;
-                   });
-
-  std::unordered_set<std::string> seen{text};
-  std::vector<size_t> choice;
-  for (const RepairSet& set : sets) {
-    const size_t count = set.fixes.size();
-    choice.assign(count, 0);
+  // Each variation is made at the end of `r.variations` and kept there
+  // unless it was made before.
+  const size_t n = text.size();
+  std::string& pool = r.variations;
+  pool.assign(text);
+  r.seen.Reset(r.sets.size() + 1);
+  r.seen.FindOrAdd(HashBytes(text), [](uint32_t) { return false; });
+  size_t made = 1;
+  for (const RepairSet& set : r.sets) {
+    const Fix* fixes = r.fixes.data() + set.begin;
+    const size_t count = set.count;
+    r.choice.assign(count, 0);
     while (true) {
-      std::string variation = text;
+      const size_t at = pool.size();
+      pool.append(text);
       for (size_t k = 0; k < count; ++k) {
-        const Fix& fix = set.fixes[k];
-        variation[fix.position] = (*fix.options)[choice[k]];
+        pool[at + fixes[k].position] = r.Option(fixes[k], r.choice[k]);
       }
-      if (seen.insert(variation).second) {
-        variations.push_back(std::move(variation));
-        if (++variation_count_ == kVariationLimit) return false;
+      const std::string_view variation(pool.data() + at, n);
+      const auto entry =
+          r.seen.FindOrAdd(HashBytes(variation), [&](uint32_t e) {
+            return std::string_view(pool.data() + e * n, n) == variation;
+          });
+      if (entry == made) {
+        ++made;
+        if (++variation_count_ == kVariationLimit) {
+          r.Trim();
+          return false;
+        }
+      } else {
+        pool.resize(at);
       }
       // Next combination: the rightmost position varies fastest, each in
       // mapping order.
       bool more = false;
       for (size_t k = count; k-- > 0;) {
-        if (++choice[k] < set.fixes[k].options->size()) {
+        if (++r.choice[k] < r.OptionCount(fixes[k])) {
           more = true;
           break;
         }
-        choice[k] = 0;
+        r.choice[k] = 0;
       }
       if (!more) break;
     }
   }
+  candidates_.resize(made);
+  for (size_t i = 1; i < made; ++i) {
+    candidates_[i].Variation.assign(pool, i * n, n);
+  }
+  r.Trim();
   return true;
 }
 
@@ -414,17 +647,16 @@ void cPatternEngine::Execute(std::string& strText, std::string& strErrMsg,
     return;
   }
 
-  std::vector<std::string> variations;
-  if (!GenerateVariations(strText, variations)) {
+  bool plain_run = false;
+  if (!GenerateVariations(strText, plain_run)) {
     candidates_.clear();
     strErrMsg = kTooManyVariationsError;
     return;
   }
-  candidates_.resize(variations.size());
-  for (size_t i = 0; i < variations.size(); ++i) {
+  for (size_t i = 0; i < candidates_.size(); ++i) {
     cPatternCandidate& c = candidates_[i];
-    c.Variation = std::move(variations[i]);
     c.Text.clear();
+    if (i == 0 && plain_run) continue;
     if (!RunExpression(c.Variation, c.Matches, strErrMsg)) {
       candidates_.clear();
       return;

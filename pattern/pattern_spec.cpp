@@ -180,14 +180,18 @@ void cPatternEngine::LoadSBSExpression(const std::string& strSpec,
   }
   elements_ = std::move(elements);
   RegExpFormat = std::move(expression);
-  // Few ways through the pattern: the compiled expression is faster and
-  // cannot blow up. Many: the engine's own matcher bounds the work. One:
-  // a fixed shape, which the matcher checks directly, faster than either.
+  // Many ways through the pattern: the engine's own matcher bounds the
+  // work. One, or a few: fixed shapes, which the matcher checks directly,
+  // faster than the compiled expression. Between them the expression is
+  // faster and cannot blow up.
   program_ = nullptr;
   const uint64_t paths =
       internal::SpecProgram::CountPaths(elements_, meta_rules_);
   if (paths > kMaxBacktrackPaths || paths == 1) {
     program_ = internal::SpecProgram::Build(elements_, meta_rules_);
+  } else if (paths <= internal::SpecProgram::kMaxListedPaths) {
+    program_ = internal::SpecProgram::Build(elements_, meta_rules_);
+    if (program_ != nullptr && !program_->Listed()) program_ = nullptr;
   }
   loaded_expression_ = RegExpFormat;
   bSuccess = true;

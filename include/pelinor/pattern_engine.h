@@ -36,6 +36,7 @@ namespace pelinor {
 
 namespace internal {
 class SpecProgram;
+struct RepairScratch;
 }  // namespace internal
 
 // Pattern specifications and matching: the messages.
@@ -246,10 +247,10 @@ class cPatternEngine {
   // Creates the regular-expression object when it does not exist yet;
   // false with `strErrMsg` set when that fails.
   bool EnsureRegExp(std::string& strErrMsg);
-  // Fills `variations` with the text and its coerced variations; false
-  // when the limit is reached.
-  bool GenerateVariations(const std::string& text,
-                          std::vector<std::string>& variations);
+  // Makes the text and its coerced variations the candidates' variations,
+  // in order; false when the limit is reached. `plain_run` tells whether
+  // the first candidate's matches, those of the text, are already found.
+  bool GenerateVariations(const std::string& text, bool& plain_run);
   // Joins each candidate's match values into its candidate text.
   void BuildCandidateTexts();
   // Runs RegExpFormat over `text` with Global set: through the loaded
@@ -286,6 +287,9 @@ class cPatternEngine {
   // per length.
   uint64_t shapes_load_ = kNotLoaded;
   std::unordered_map<size_t, std::vector<std::string>> shapes_;
+  // Working storage of GenerateVariations(), kept so that an engine that
+  // runs many texts allocates it once.
+  std::shared_ptr<internal::RepairScratch> scratch_;
   // End of pattern specifications and matching.
 
   // Reads a date with a month name of the table `language` (an index of

@@ -305,5 +305,173 @@ TEST(PatternMatch, TheTenThousandthVariationFailsTheEvaluation) {
   }
 }
 
+// The matches the assembled expression gives for `text`.
+cMatchCollection ExpressionMatches(const cPatternEngine& engine,
+                                   const std::string& text) {
+  cRegExp regexp;
+  regexp.Pattern = engine.RegExpFormat;
+  regexp.Global = true;
+  cMatchCollection matches;
+  std::string error;
+  EXPECT_TRUE(regexp.Execute(text, matches, error)) << error;
+  return matches;
+}
+
+std::string Describe(const cMatchCollection& matches) {
+  std::string out;
+  for (const cMatch& m : matches) {
+    out += std::to_string(m.FirstIndex) + ":'" + m.value + "' ";
+  }
+  return out;
+}
+
+TEST(PatternMatch, FewWaysThroughAreCheckedShapeByShape) {
+  // Up to sixteen ways through are listed as shapes; the matches must be
+  // those of the expression, whichever way through comes first.
+  struct Case {
+    const char* spec;
+    bool listed;
+  } cases[] = {
+      {"PO000000|PO-000000", true},
+      {"GB000000000(000)", true},
+      {"(0)(0)0", true},
+      {"A|B|AB", true},
+      {"(0L)(L0)", true},
+      {"{0???}{0?}", true},
+      {"(L)0{00?}(L)", true},
+      {"({ll?})l", true},
+      {"LL(0)(0)(0)(0)", true},
+      {"(0)(0)(0)(0)(0)", false},  // 32 ways: searched
+      {"LL000000", false},         // one way: a fixed shape
+  };
+  const std::string texts[] = {"",
+                               "P0-004521",
+                               "PO-004521PO123456",
+                               "GB123456789012",
+                               "GB 123 4567 89",
+                               "1A2B3C",
+                               "A1B2",
+                               "AB",
+                               "abcde",
+                               "12\n345",
+                               "AB12O4",
+                               std::string(40, '1') + "A"};
+  for (const Case& c : cases) {
+    cPatternEngine engine;
+    std::string error;
+    bool ok = false;
+    engine.LoadSBSExpression(c.spec, error, ok);
+    ASSERT_TRUE(ok) << c.spec;
+    const auto program =
+        internal::SpecProgram::Build(engine.Elements(), engine.MetaRules());
+    ASSERT_NE(program, nullptr) << c.spec;
+    EXPECT_EQ(program->Listed(), c.listed) << c.spec;
+    for (const std::string& text : texts) {
+      SCOPED_TRACE(std::string(c.spec) + " on '" + text + "'");
+      cMatchCollection got;
+      ASSERT_TRUE(program->Run(text, got));
+      EXPECT_EQ(Describe(got), Describe(ExpressionMatches(engine, text)));
+    }
+    // A text too long to check shape by shape is left to the expression.
+    cMatchCollection got;
+    EXPECT_EQ(program->Run(std::string(70000, '1'), got), !c.listed) << c.spec;
+  }
+}
+
+// The characters `variation` changed in `text`, as "position:character"
+// (zero-based) separated by spaces.
+std::string Changes(const std::string& text, const std::string& variation) {
+  std::string out;
+  for (size_t i = 0; i < text.size() && i < variation.size(); ++i) {
+    if (text[i] == variation[i]) continue;
+    if (!out.empty()) out += ' ';
+    out += std::to_string(i);
+    out += ':';
+    out += variation[i];
+  }
+  return out;
+}
+
+TEST(PatternMatch, CoercedVariationsOnAwkwardTexts) {
+  // The variations after the text itself, in order, each as the
+  // characters it changed ("|" between them; with more than twelve, the
+  // second, the third and the last), and the value chosen. Each
+  // candidate's matches are those the expression gives for its variation.
+  struct Case {
+    std::string spec, text, pairs;  // no pairs: the built-in mappings
+    bool suppress;
+    int32_t count;
+    std::string changes;
+    std::string value;
+  };
+  const Case cases[] = {
+      {"\"INV-\"000000", "INV-0O1234", "", false, 2, "5:0", "INV-001234"},
+      {"PO000000|PO-000000", "P0-004521", "", false, 2, "1:O", "PO-004521"},
+      {"GB000000000(000)", "GB 123 4567 89", "", true, 1, "", "GB123456789"},
+      {"0", "", "", false, 1, "", ""},
+      {"0", " ", "", false, 1, "", ""},
+      {"L0", "  ", " 0 A", false, 2, "0:A 1:0", "A0"},
+      {"(0)(0)L", "OIOI8", "O0I1O8", false, 10,
+       "0:0|0:8|1:1|2:0|2:8|0:0 1:1|0:8 1:1|1:1 2:0|1:1 2:8", ""},
+      {"0|LL", "OB", "O0OQB8", false, 3, "0:0|1:8", "OB"},
+      {"{00??}", "O1I", "O0I1O0I1", false, 4, "0:0|2:1|0:0 2:1", "011"},
+      // Look-alikes at every place: more repairs than a few to order, and
+      // joined ones only while the limit is not passed.
+      {"0", "OIOIOIOIOIOIOIOIOIOI", "O0I1", false, 9999,
+       "0:0|1:1|0:0 11:1 16:0 17:1 18:0", ""},
+      {"0", std::string(200, 'O'), "", false, 9999, "0:0|1:0|57:0 108:0", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.spec + " on '" + c.text.substr(0, 30) + "'");
+    cPatternEngine engine;
+    engine.PerformCoertion = true;
+    engine.SuppressSpaces = c.suppress;
+    if (!c.pairs.empty()) SetMappings(engine, c.pairs);
+    const Outcome out = Evaluate(engine, c.spec, c.text, true);
+    EXPECT_EQ(out.error, "");
+    EXPECT_EQ(out.value, c.value);
+    ASSERT_EQ(engine.VariationCount(), c.count);
+    const auto& candidates = engine.Candidates();
+    ASSERT_EQ(candidates.size(), static_cast<size_t>(c.count));
+    const std::string& text = engine.EvaluatedText();
+    std::string changes;
+    for (size_t i = 1; i < candidates.size(); ++i) {
+      if (c.count > 12 && i > 2 && i + 1 < candidates.size()) continue;
+      if (i > 1) changes += '|';
+      changes += Changes(text, candidates[i].Variation);
+    }
+    EXPECT_EQ(changes, c.changes);
+    for (const cPatternCandidate& k : candidates) {
+      ASSERT_EQ(Describe(k.Matches),
+                Describe(ExpressionMatches(engine, k.Variation)))
+          << k.Variation;
+    }
+  }
+}
+
+TEST(PatternMatch, MappingsAddedToTheBuiltInOnesAreUsed) {
+  // The built-in table is looked up through an index made once; a mapper
+  // given more mappings has a table of its own, read as it stands.
+  struct Case {
+    std::string added;  // pairs appended to the built-in mappings
+    std::string spec, text, value;
+  };
+  const Case cases[] = {
+      {"", "0000", "1O5I", "1051"},   {"", "0", "x", ""}, {"x7", "0", "x", "7"},
+      {"O9", "0000", "1O5I", "1051"},  // appended: tried after "O" to "0"
+      {"x7x8", "00", "xx", "77"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.added + ": " + c.spec + " on " + c.text);
+    cPatternEngine engine;
+    engine.PerformCoertion = true;
+    for (size_t i = 0; i + 1 < c.added.size(); i += 2) {
+      engine.CharMapper->Add(c.added.substr(i, 1), c.added.substr(i + 1, 1));
+    }
+    const Outcome out = Evaluate(engine, c.spec, c.text, true);
+    EXPECT_EQ(out.value, c.value);
+  }
+}
+
 }  // namespace
 }  // namespace pelinor
