@@ -210,16 +210,17 @@ void cFieldData::LogFormatMessage(std::string& strMsg) const {
 void cFieldData::WriteRecords(const char* prefix, int32_t TagIdx,
                               TextWriter& hFile, bool value_lines,
                               bool status_lines, bool type_line) const {
-  const std::string head = prefix + NumberText(TagIdx);
-  hFile.WriteLine(head + "Name:" + Name);
-  if (value_lines) hFile.WriteLine(head + "Value:" + value);
+  hFile.WriteLineParts({prefix, TagIdx, "Name:", Name});
+  if (value_lines) hFile.WriteLineParts({prefix, TagIdx, "Value:", value});
   if (status_lines) {
-    hFile.WriteLine(head + "Status:" + NumberText(Status));
-    hFile.WriteLine(head + "Message:" + StatusMessage);
+    hFile.WriteLineParts({prefix, TagIdx, "Status:", Status});
+    hFile.WriteLineParts({prefix, TagIdx, "Message:", StatusMessage});
   }
-  hFile.WriteLine(head + "DataLocation:" + NumberText(DataLocation()));
-  if (type_line) hFile.WriteLine(head + "DataType:" + NumberText(DataType()));
-  hFile.WriteLine(head + "Coords:" + CoordsText(Left, Top, Width, Height));
+  hFile.WriteLineParts({prefix, TagIdx, "DataLocation:", DataLocation()});
+  if (type_line)
+    hFile.WriteLineParts({prefix, TagIdx, "DataType:", DataType()});
+  hFile.WriteLineParts(
+      {prefix, TagIdx, "Coords:", Left, ":", Top, ":", Width, ":", Height});
 }
 
 namespace {
