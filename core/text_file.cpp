@@ -15,6 +15,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -129,6 +130,64 @@ const char* FindStop(const char* p, const char* end, bool comma) {
   return p;
 }
 
+// Buffers of closed readers and writers, kept per thread for the next
+// ones: a batch reads and writes file after file, and would otherwise take
+// a fresh buffer from the allocator for each. At most two are kept, of at
+// most kKeptBufferMax bytes. The slots are plain storage, emptied by a
+// thread-exit hook; readers closed after it (objects destroyed later in
+// the thread's exit) free their buffers directly.
+constexpr size_t kKeptBufferMax = 1 << 18;
+struct KeptBuffers {
+  char* data[2];
+  size_t capacity[2];
+  bool closed;
+};
+thread_local KeptBuffers kept_buffers;
+
+struct KeptBuffersHook {
+  KeptBuffersHook() = default;
+  ~KeptBuffersHook() {
+    for (int i = 0; i < 2; ++i) {
+      delete[] kept_buffers.data[i];
+      kept_buffers.data[i] = nullptr;
+    }
+    kept_buffers.closed = true;
+  }
+};
+
+// A buffer of at least `size` bytes, and its capacity.
+std::unique_ptr<char[]> TakeBuffer(size_t size, size_t& capacity) {
+  KeptBuffers& kept = kept_buffers;
+  for (int i = 0; i < 2; ++i) {
+    if (kept.data[i] != nullptr && kept.capacity[i] >= size) {
+      capacity = kept.capacity[i];
+      return std::unique_ptr<char[]>(std::exchange(kept.data[i], nullptr));
+    }
+  }
+  // Rounded up, so that the next file of about the same size fits.
+  capacity = (std::max<size_t>(size, 1) + 4095) & ~size_t{4095};
+  return std::make_unique_for_overwrite<char[]>(capacity);
+}
+
+// Keeps `buffer` for TakeBuffer() when it is small enough and larger than
+// a kept one it replaces; otherwise frees it.
+void GiveBackBuffer(std::unique_ptr<char[]> buffer, size_t capacity) {
+  KeptBuffers& kept = kept_buffers;
+  if (buffer == nullptr || capacity > kKeptBufferMax || kept.closed) return;
+  int slot = kept.capacity[0] <= kept.capacity[1] ? 0 : 1;
+  if (kept.data[0] == nullptr)
+    slot = 0;
+  else if (kept.data[1] == nullptr)
+    slot = 1;
+  else if (kept.capacity[slot] >= capacity)
+    return;
+  thread_local KeptBuffersHook hook;  // frees the kept ones at thread exit
+  (void)hook;
+  delete[] kept.data[slot];
+  kept.data[slot] = buffer.release();
+  kept.capacity[slot] = capacity;
+}
+
 // Appends the decimal form of `n`, as NumberText() writes it.
 void AppendInteger(std::string& out, int64_t n) {
   char buf[24];
@@ -151,6 +210,7 @@ TextReader& TextReader::operator=(TextReader&& other) noexcept {
   const bool in_string = other.map_ == nullptr && other.read_ == nullptr;
   owned_ = std::move(other.owned_);
   read_ = std::move(other.read_);
+  read_capacity_ = other.read_capacity_;
   map_ = other.map_;
   map_size_ = other.map_size_;
   data_ = in_string ? std::string_view(owned_) : other.data_;
@@ -203,7 +263,8 @@ bool TextReader::Open(const std::string& path) {
   }
   // Read the size reported, then whatever a growing file added since. The
   // buffer is not cleared first: every byte served is one read.
-  std::unique_ptr<char[]> data = std::make_unique_for_overwrite<char[]>(size);
+  size_t capacity = 0;
+  std::unique_ptr<char[]> data = TakeBuffer(size, capacity);
   std::string grown;
   size_t got = 0;
   char probe[4096];
@@ -227,10 +288,12 @@ bool TextReader::Open(const std::string& path) {
   ::close(fd);
   if (!grown.empty()) {
     grown.insert(0, data.get(), got);
+    GiveBackBuffer(std::move(data), capacity);
     OpenText(std::move(grown));
     return true;
   }
   read_ = std::move(data);
+  read_capacity_ = capacity;
   data_ = std::string_view(read_.get(), got);
   has_nuls_ = std::memchr(data_.data(), '\0', data_.size()) != nullptr;
   pos_ = 0;
@@ -255,21 +318,19 @@ void TextReader::Close() {
   }
   owned_.clear();
   owned_.shrink_to_fit();
-  read_.reset();
+  GiveBackBuffer(std::move(read_), read_capacity_);
+  read_capacity_ = 0;
   data_ = {};
   has_nuls_ = false;
   pos_ = 0;
   open_ = false;
 }
 
-void TextReader::SkipLineEnd() {
-  if (pos_ >= data_.size()) return;
-  if (data_[pos_] == '\r') {
-    ++pos_;
-    if (pos_ < data_.size() && data_[pos_] == '\n') ++pos_;
-  } else if (data_[pos_] == '\n') {
-    ++pos_;
-  }
+// CR LF, CR or LF. Inline: every read ends with it.
+inline void TextReader::SkipLineEnd() {
+  const size_t size = data_.size();
+  if (pos_ < size && data_[pos_] == '\r') ++pos_;
+  if (pos_ < size && data_[pos_] == '\n') ++pos_;
 }
 
 size_t TextReader::LineEnd() const {
@@ -338,8 +399,9 @@ bool TextReader::ReadItemView(std::string_view& item, bool whole_line) {
   return true;
 }
 
-bool TextReader::ReadItemSpan(std::string_view& item, bool& quoted,
-                              bool whole_line) {
+// Inline: the typed and view reads are little more than this.
+inline bool TextReader::ReadItemSpan(std::string_view& item, bool& quoted,
+                                     bool whole_line) {
   const size_t size = data_.size();
   if (pos_ >= size) return false;
   const char* base = data_.data();
@@ -517,13 +579,17 @@ void TextWriter::Flush() {
   used_ = 0;
 }
 
-void TextWriter::Reserve(size_t n) {
+inline void TextWriter::Reserve(size_t n) {
   if (capacity_ - used_ >= n) return;
-  const size_t capacity =
-      std::max({kFirstBufferSize, 2 * capacity_, used_ + n});
-  auto grown = std::make_unique_for_overwrite<char[]>(capacity);
+  Grow(n);
+}
+
+void TextWriter::Grow(size_t n) {
+  size_t capacity = 0;
+  auto grown = TakeBuffer(
+      std::max({kFirstBufferSize, 2 * capacity_, used_ + n}), capacity);
   if (used_ != 0) std::memcpy(grown.get(), buffer_.get(), used_);
-  buffer_ = std::move(grown);
+  GiveBackBuffer(std::exchange(buffer_, std::move(grown)), capacity_);
   capacity_ = capacity;
 }
 
@@ -549,25 +615,29 @@ void TextWriter::WriteLineParts(std::initializer_list<LinePart> parts) {
     Fail(EBADF);
     return;
   }
-  // Room for the longest form of every part, then each written in place.
+  // Each part is written in place, with room made for its longest form
+  // (and the line end) first.
   constexpr size_t kNumberMax = 20;  // "-9223372036854775808"
-  size_t bound = 2;
-  for (const LinePart& part : parts) {
-    bound += part.is_number_ ? kNumberMax : part.text_.size();
-  }
-  Reserve(bound);
-  char* p = buffer_.get() + used_;
   for (const LinePart& part : parts) {
     if (part.is_number_) {
-      p = std::to_chars(p, p + kNumberMax, part.number_).ptr;
-    } else if (!part.text_.empty()) {
-      std::memcpy(p, part.text_.data(), part.text_.size());
-      p += part.text_.size();
+      Reserve(kNumberMax + 2);
+      char* p = buffer_.get() + used_;
+      if (part.number_ >= 0 && part.number_ < 10) {
+        *p++ = static_cast<char>('0' + part.number_);
+      } else {
+        p = std::to_chars(p, p + kNumberMax, part.number_).ptr;
+      }
+      used_ = static_cast<size_t>(p - buffer_.get());
+    } else {
+      const size_t n = part.text_.size();
+      Reserve(n + 2);
+      if (n != 0) std::memcpy(buffer_.get() + used_, part.text_.data(), n);
+      used_ += n;
     }
   }
-  *p++ = '\r';
-  *p++ = '\n';
-  used_ = static_cast<size_t>(p - buffer_.get());
+  Reserve(2);
+  buffer_[used_++] = '\r';
+  buffer_[used_++] = '\n';
   if (used_ >= kFlushSize) Flush();
 }
 
@@ -585,6 +655,7 @@ void TextWriter::WriteItems(std::initializer_list<ItemValue> items) {
 bool TextWriter::Commit() {
   if (fd_ < 0) return false;
   Flush();
+  ReleaseBuffer();
   if (::close(fd_) != 0) Fail(errno);
   fd_ = -1;
   if (ok_ && ::rename(temp_.c_str(), target_.c_str()) == 0) {
@@ -613,8 +684,14 @@ void TextWriter::Abandon() {
   }
   UnlistTempFile(slot_);
   slot_ = -1;
-  used_ = 0;
+  ReleaseBuffer();
   ok_ = false;
+}
+
+void TextWriter::ReleaseBuffer() {
+  GiveBackBuffer(std::move(buffer_), capacity_);
+  capacity_ = 0;
+  used_ = 0;
 }
 
 int LastFileError() { return last_file_error; }

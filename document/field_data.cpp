@@ -210,17 +210,19 @@ void cFieldData::LogFormatMessage(std::string& strMsg) const {
 void cFieldData::WriteRecords(const char* prefix, int32_t TagIdx,
                               TextWriter& hFile, bool value_lines,
                               bool status_lines, bool type_line) const {
-  hFile.WriteLineParts({prefix, TagIdx, "Name:", Name});
-  if (value_lines) hFile.WriteLineParts({prefix, TagIdx, "Value:", value});
+  const std::string_view head = prefix;
+  hFile.WriteLineParts({head, TagIdx, "Name:", Name});
+  if (value_lines) hFile.WriteLineParts({head, TagIdx, "Value:", value});
   if (status_lines) {
-    hFile.WriteLineParts({prefix, TagIdx, "Status:", Status});
-    hFile.WriteLineParts({prefix, TagIdx, "Message:", StatusMessage});
+    hFile.WriteLineParts({head, TagIdx, "Status:", Status});
+    hFile.WriteLineParts({head, TagIdx, "Message:", StatusMessage});
   }
-  hFile.WriteLineParts({prefix, TagIdx, "DataLocation:", DataLocation()});
-  if (type_line)
-    hFile.WriteLineParts({prefix, TagIdx, "DataType:", DataType()});
+  hFile.WriteLineParts({head, TagIdx, "DataLocation:", DataLocation()});
+  if (type_line) {
+    hFile.WriteLineParts({head, TagIdx, "DataType:", DataType()});
+  }
   hFile.WriteLineParts(
-      {prefix, TagIdx, "Coords:", Left, ":", Top, ":", Width, ":", Height});
+      {head, TagIdx, "Coords:", Left, ":", Top, ":", Width, ":", Height});
 }
 
 namespace {

@@ -37,6 +37,28 @@ inline bool ValueAfterLabel(std::string_view line, std::string_view& value) {
   return true;
 }
 
+// ToLong() of a record's number. Nearly every number of a tag file is a
+// few plain digits; those are converted here without the call (ToLong()
+// gives them the same value), anything else by ToLong().
+inline bool NumberValue(std::string_view text, int32_t& value) {
+  const bool negative = !text.empty() && text[0] == '-';
+  const size_t digits = text.size() - (negative ? 1 : 0);
+  if (digits >= 1 && digits <= 9) {
+    int32_t n = 0;
+    size_t i = negative ? 1 : 0;
+    for (; i < text.size(); ++i) {
+      const unsigned d = static_cast<unsigned char>(text[i]) - '0';
+      if (d > 9) break;
+      n = n * 10 + static_cast<int32_t>(d);
+    }
+    if (i == text.size()) {
+      value = negative ? -n : n;
+      return true;
+    }
+  }
+  return ToLong(text, value);
+}
+
 // Whole-line reading: the value after the label.
 inline bool ReadLineValue(TextReader& in, std::string& value) {
   std::string_view line, text;
@@ -60,12 +82,12 @@ inline bool ReadItemValue(TextReader& in, std::string& value) {
 inline bool ReadItemLong(TextReader& in, int32_t& value) {
   std::string_view line, text;
   return in.ReadFirstItemView(line) && ValueAfterLabel(line, text) &&
-         ToLong(text, value);
+         NumberValue(text, value);
 }
 
 // First-item reading of "Label:left:top:width:height". Each number is
-// trimmed of spaces and read by ToLong() (which accepts only numeric
-// texts); a fifth ':' leaves the last number unreadable.
+// trimmed of spaces and must be numeric; a fifth ':' leaves the last
+// number unreadable.
 inline bool ReadCoords(TextReader& in, int32_t& left, int32_t& top,
                        int32_t& width, int32_t& height) {
   std::string_view line, rest;
@@ -81,7 +103,7 @@ inline bool ReadCoords(TextReader& in, int32_t& left, int32_t& top,
       head = TrimSpaces(rest.substr(0, colon));
       rest = TrimSpaces(rest.substr(colon + 1));
     }
-    if (!ToLong(head, n[i])) return false;
+    if (!NumberValue(head, n[i])) return false;
   }
   left = n[0];
   top = n[1];

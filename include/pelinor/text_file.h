@@ -145,7 +145,8 @@ class TextReader {
 
  private:
   // Consumes one line end (CR LF, CR or LF) at the position, if any.
-  void SkipLineEnd();
+  // (Inline functions here are defined and used in text_file.cpp only.)
+  inline void SkipLineEnd();
 
   // The position of the first CR or LF at or after the position (the size
   // of the contents when there is none).
@@ -157,7 +158,8 @@ class TextReader {
   // Item reading; with `whole_line`, the rest of the item's line is
   // skipped (ReadFirstItem()). `item` views the item as it stands in the
   // contents, NUL bytes included.
-  bool ReadItemSpan(std::string_view& item, bool& quoted, bool whole_line);
+  inline bool ReadItemSpan(std::string_view& item, bool& quoted,
+                           bool whole_line);
 
   // ReadItemSpan() with the NUL bytes dropped: into `item`, or viewed in
   // place (or in scratch_) by the View() form.
@@ -166,7 +168,8 @@ class TextReader {
 
   std::string owned_;             // contents given to OpenText()
   std::unique_ptr<char[]> read_;  // or read from a file
-  void* map_ = nullptr;           // or mapped from a large file
+  size_t read_capacity_ = 0;
+  void* map_ = nullptr;  // or mapped from a large file
   size_t map_size_ = 0;
   std::string_view data_;  // whichever of the three holds the contents
   size_t pos_ = 0;
@@ -284,8 +287,13 @@ class TextWriter {
   void Flush();
   void Fail(int error);
 
-  // Makes room for `n` more bytes after the buffered ones.
-  void Reserve(size_t n);
+  // Makes room for `n` more bytes after the buffered ones; Grow() is its
+  // rare part.
+  inline void Reserve(size_t n);
+  void Grow(size_t n);
+
+  // Hands the buffer back for the next writer or reader of the thread.
+  void ReleaseBuffer();
 
   int fd_ = -1;
   bool ok_ = false;
