@@ -29,7 +29,10 @@
 // remove them (RemoveTemporaryFiles()).
 //
 // Thread safety: a reader or writer object is used by one thread at a time;
-// separate objects are independent.
+// separate objects are independent. A thread keeps the buffers of up to two
+// closed readers or writers (of at most 256 KiB each) for its next ones, so
+// that a batch of small files is read and written without allocating a
+// buffer for each; they are freed when the thread ends.
 
 #ifndef PELINOR_TEXT_FILE_H_
 #define PELINOR_TEXT_FILE_H_
