@@ -1,5 +1,6 @@
-// Document tag files: reading and writing a large document, and the
-// capture of one example invoice (validate and format every field).
+// Document tag files: reading and writing a large document, reading and
+// writing the example invoice against copying it, and the capture of one
+// example invoice (validate and format every field).
 
 #include <benchmark/benchmark.h>
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include "pelinor/document_data.h"
 #include "pelinor/profile.h"
 #include "pelinor/template.h"
+#include "pelinor/text_file.h"
 
 namespace {
 
@@ -107,6 +109,44 @@ void BM_TagFileWrite(benchmark::State& state) {
   std::remove(out.c_str());
 }
 BENCHMARK(BM_TagFileWrite)->Unit(benchmark::kMillisecond);
+
+// Where the example benchmarks write: a file of this process in /tmp.
+std::string ExampleOutPath() {
+  return "/tmp/pelinor-bench-example-" + std::to_string(getpid()) + ".tag";
+}
+
+// The example invoice (3 KB) read and written back as a document, one
+// file after another as a batch does, against the floor of copying the
+// same file through the same reader and writer without parsing it.
+void BM_ExampleTagFileReadWrite(benchmark::State& state) {
+  const std::string in = Example("documents/INV0001.tag");
+  const std::string out = ExampleOutPath();
+  std::string err;
+  for (auto _ : state) {
+    auto doc = cDocumentData::New();
+    bool ok = doc->ReadSettings(in, err) && doc->WriteSettings(out, err);
+    benchmark::DoNotOptimize(ok);
+  }
+  state.SetItemsProcessed(state.iterations());
+  std::remove(out.c_str());
+}
+BENCHMARK(BM_ExampleTagFileReadWrite)->Unit(benchmark::kMicrosecond);
+
+void BM_ExampleTagFileCopyFloor(benchmark::State& state) {
+  const std::string in = Example("documents/INV0001.tag");
+  const std::string out = ExampleOutPath();
+  for (auto _ : state) {
+    pelinor::TextReader r;
+    pelinor::TextWriter w;
+    bool ok = r.Open(in) && w.Create(out);
+    if (ok) w.Write(r.Data());
+    ok = ok && w.Commit();
+    benchmark::DoNotOptimize(ok);
+  }
+  state.SetItemsProcessed(state.iterations());
+  std::remove(out.c_str());
+}
+BENCHMARK(BM_ExampleTagFileCopyFloor)->Unit(benchmark::kMicrosecond);
 
 // Validates and formats every field of the example invoice, as the
 // capture run does, with the example profile, template and registry.

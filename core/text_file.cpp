@@ -12,8 +12,14 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <utility>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "pelinor/numeric.h"
 #include "pelinor/text.h"
@@ -22,6 +28,9 @@ namespace pelinor {
 namespace {
 
 constexpr size_t kFlushSize = 1 << 16;
+// What a new writer's buffer starts with: most record files fit, so they
+// are written without the buffer growing.
+constexpr size_t kFirstBufferSize = 1 << 13;
 constexpr size_t kMapThreshold = 1 << 20;
 
 thread_local int last_file_error = 0;
@@ -96,16 +105,95 @@ void DropNuls(std::string& s) {
   s.swap(out);
 }
 
-// Bytes that end an unquoted item.
-struct StopTable {
-  bool stop[256] = {};
-  constexpr StopTable() {
-    stop[static_cast<unsigned char>(',')] = true;
-    stop[static_cast<unsigned char>('\r')] = true;
-    stop[static_cast<unsigned char>('\n')] = true;
+// The first CR or LF, or with `comma` also the first comma, in [p, end);
+// `end` when there is none. Most lines are a few dozen bytes, too short
+// for memchr's set-up to pay and too long for a byte loop to be cheap, so
+// they are scanned 16 bytes at a time where the machine allows it. Both
+// ends are searched for at once, which keeps a file of lone CR line ends
+// linear.
+const char* FindStop(const char* p, const char* end, bool comma) {
+#if defined(__SSE2__)
+  const __m128i cr = _mm_set1_epi8('\r');
+  const __m128i lf = _mm_set1_epi8('\n');
+  const __m128i third = _mm_set1_epi8(comma ? ',' : '\n');
+  while (end - p >= 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i hit =
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, cr), _mm_cmpeq_epi8(v, lf)),
+                     _mm_cmpeq_epi8(v, third));
+    const int mask = _mm_movemask_epi8(hit);
+    if (mask != 0) return p + __builtin_ctz(static_cast<unsigned>(mask));
+    p += 16;
+  }
+#endif
+  while (p < end && *p != '\r' && *p != '\n' && !(comma && *p == ',')) ++p;
+  return p;
+}
+
+// Buffers of closed readers and writers, kept per thread for the next
+// ones: a batch reads and writes file after file, and would otherwise take
+// a fresh buffer from the allocator for each. At most two are kept, of at
+// most kKeptBufferMax bytes. The slots are plain storage, emptied by a
+// thread-exit hook; readers closed after it (objects destroyed later in
+// the thread's exit) free their buffers directly.
+constexpr size_t kKeptBufferMax = 1 << 18;
+struct KeptBuffers {
+  char* data[2];
+  size_t capacity[2];
+  bool closed;
+};
+thread_local KeptBuffers kept_buffers;
+
+struct KeptBuffersHook {
+  KeptBuffersHook() = default;
+  ~KeptBuffersHook() {
+    for (int i = 0; i < 2; ++i) {
+      delete[] kept_buffers.data[i];
+      kept_buffers.data[i] = nullptr;
+    }
+    kept_buffers.closed = true;
   }
 };
-constexpr StopTable kStops;
+
+// A buffer of at least `size` bytes, and its capacity.
+std::unique_ptr<char[]> TakeBuffer(size_t size, size_t& capacity) {
+  KeptBuffers& kept = kept_buffers;
+  for (int i = 0; i < 2; ++i) {
+    if (kept.data[i] != nullptr && kept.capacity[i] >= size) {
+      capacity = kept.capacity[i];
+      return std::unique_ptr<char[]>(std::exchange(kept.data[i], nullptr));
+    }
+  }
+  // Rounded up, so that the next file of about the same size fits.
+  capacity = (std::max<size_t>(size, 1) + 4095) & ~size_t{4095};
+  return std::make_unique_for_overwrite<char[]>(capacity);
+}
+
+// Keeps `buffer` for TakeBuffer() when it is small enough and larger than
+// a kept one it replaces; otherwise frees it.
+void GiveBackBuffer(std::unique_ptr<char[]> buffer, size_t capacity) {
+  KeptBuffers& kept = kept_buffers;
+  if (buffer == nullptr || capacity > kKeptBufferMax || kept.closed) return;
+  int slot = kept.capacity[0] <= kept.capacity[1] ? 0 : 1;
+  if (kept.data[0] == nullptr)
+    slot = 0;
+  else if (kept.data[1] == nullptr)
+    slot = 1;
+  else if (kept.capacity[slot] >= capacity)
+    return;
+  thread_local KeptBuffersHook hook;  // frees the kept ones at thread exit
+  (void)hook;
+  delete[] kept.data[slot];
+  kept.data[slot] = buffer.release();
+  kept.capacity[slot] = capacity;
+}
+
+// Appends the decimal form of `n`, as NumberText() writes it.
+void AppendInteger(std::string& out, int64_t n) {
+  char buf[24];
+  const auto res = std::to_chars(buf, buf + sizeof buf, n);
+  out.append(buf, static_cast<size_t>(res.ptr - buf));
+}
 
 }  // namespace
 
@@ -118,11 +206,14 @@ TextReader::TextReader(TextReader&& other) noexcept {
 TextReader& TextReader::operator=(TextReader&& other) noexcept {
   if (this == &other) return *this;
   Close();
-  bool owned = other.map_ == nullptr;
+  // Mapped and read contents do not move; a string's may.
+  const bool in_string = other.map_ == nullptr && other.read_ == nullptr;
   owned_ = std::move(other.owned_);
+  read_ = std::move(other.read_);
+  read_capacity_ = other.read_capacity_;
   map_ = other.map_;
   map_size_ = other.map_size_;
-  data_ = owned ? std::string_view(owned_) : other.data_;
+  data_ = in_string ? std::string_view(owned_) : other.data_;
   pos_ = other.pos_;
   has_nuls_ = other.has_nuls_;
   open_ = other.open_;
@@ -166,20 +257,21 @@ bool TextReader::Open(const std::string& path) {
       data_ = std::string_view(static_cast<const char*>(p), size);
       has_nuls_ = std::memchr(p, '\0', size) != nullptr;
       pos_ = 0;
-      lf_cached_ = false;
       open_ = true;
       return true;
     }
   }
-  // Read the size reported, then whatever a growing file added since.
-  std::string data;
-  data.resize(size);
+  // Read the size reported, then whatever a growing file added since. The
+  // buffer is not cleared first: every byte served is one read.
+  size_t capacity = 0;
+  std::unique_ptr<char[]> data = TakeBuffer(size, capacity);
+  std::string grown;
   size_t got = 0;
   char probe[4096];
   for (;;) {
-    bool room = got < data.size();
-    char* dst = room ? data.data() + got : probe;
-    size_t want = room ? data.size() - got : sizeof probe;
+    bool room = got < size;
+    char* dst = room ? data.get() + got : probe;
+    size_t want = room ? size - got : sizeof probe;
     ssize_t n = ::read(fd, dst, want);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) {
@@ -190,13 +282,22 @@ bool TextReader::Open(const std::string& path) {
     if (room) {
       got += static_cast<size_t>(n);
     } else {
-      data.append(probe, static_cast<size_t>(n));
-      got = data.size();
+      grown.append(probe, static_cast<size_t>(n));
     }
   }
   ::close(fd);
-  data.resize(got);
-  OpenText(std::move(data));
+  if (!grown.empty()) {
+    grown.insert(0, data.get(), got);
+    GiveBackBuffer(std::move(data), capacity);
+    OpenText(std::move(grown));
+    return true;
+  }
+  read_ = std::move(data);
+  read_capacity_ = capacity;
+  data_ = std::string_view(read_.get(), got);
+  has_nuls_ = std::memchr(data_.data(), '\0', data_.size()) != nullptr;
+  pos_ = 0;
+  open_ = true;
   return true;
 }
 
@@ -206,7 +307,6 @@ void TextReader::OpenText(std::string data) {
   data_ = owned_;
   has_nuls_ = std::memchr(data_.data(), '\0', data_.size()) != nullptr;
   pos_ = 0;
-  lf_cached_ = false;
   open_ = true;
 }
 
@@ -218,43 +318,38 @@ void TextReader::Close() {
   }
   owned_.clear();
   owned_.shrink_to_fit();
+  GiveBackBuffer(std::move(read_), read_capacity_);
+  read_capacity_ = 0;
   data_ = {};
   has_nuls_ = false;
   pos_ = 0;
-  lf_cached_ = false;
   open_ = false;
 }
 
-void TextReader::SkipLineEnd() {
-  if (pos_ >= data_.size()) return;
-  if (data_[pos_] == '\r') {
-    ++pos_;
-    if (pos_ < data_.size() && data_[pos_] == '\n') ++pos_;
-  } else if (data_[pos_] == '\n') {
-    ++pos_;
-  }
+// CR LF, CR or LF. Inline: every read ends with it.
+inline void TextReader::SkipLineEnd() {
+  const size_t size = data_.size();
+  if (pos_ < size && data_[pos_] == '\r') ++pos_;
+  if (pos_ < size && data_[pos_] == '\n') ++pos_;
 }
 
-size_t TextReader::LineEnd() {
-  const size_t size = data_.size();
+size_t TextReader::LineEnd() const {
   const char* base = data_.data();
-  // The next LF is cached so that files with lone CR line ends do not make
-  // every line search to the end of the data.
-  if (!lf_cached_ || next_lf_ < pos_) {
-    const void* lf = std::memchr(base + pos_, '\n', size - pos_);
-    next_lf_ =
-        lf ? static_cast<size_t>(static_cast<const char*>(lf) - base) : size;
-    lf_cached_ = true;
-  }
-  const void* cr = std::memchr(base + pos_, '\r', next_lf_ - pos_);
-  return cr ? static_cast<size_t>(static_cast<const char*>(cr) - base)
-            : next_lf_;
+  return static_cast<size_t>(FindStop(base + pos_, base + data_.size(), false) -
+                             base);
 }
 
 bool TextReader::ReadLine(std::string& line) {
+  std::string_view text;
+  if (!ReadLineView(text)) return false;
+  line.assign(text);
+  return true;
+}
+
+bool TextReader::ReadLineView(std::string_view& text) {
   if (pos_ >= data_.size()) return false;
   const size_t end = LineEnd();
-  line.assign(data_.data() + pos_, end - pos_);
+  text = data_.substr(pos_, end - pos_);
   pos_ = end;
   SkipLineEnd();
   return true;
@@ -274,6 +369,10 @@ bool TextReader::ReadFirstItem(std::string& item) {
   return ReadItemImpl(item, quoted, true);
 }
 
+bool TextReader::ReadFirstItemView(std::string_view& text) {
+  return ReadItemView(text, true);
+}
+
 void TextReader::SkipRestOfLine() {
   if (pos_ >= data_.size()) return;
   pos_ = LineEnd();
@@ -282,6 +381,27 @@ void TextReader::SkipRestOfLine() {
 
 bool TextReader::ReadItemImpl(std::string& item, bool& quoted,
                               bool whole_line) {
+  std::string_view span;
+  if (!ReadItemSpan(span, quoted, whole_line)) return false;
+  item.assign(span);
+  if (has_nuls_) DropNuls(item);
+  return true;
+}
+
+bool TextReader::ReadItemView(std::string_view& item, bool whole_line) {
+  bool quoted;
+  if (!ReadItemSpan(item, quoted, whole_line)) return false;
+  if (has_nuls_ && item.find('\0') != std::string_view::npos) {
+    scratch_.assign(item);
+    DropNuls(scratch_);
+    item = scratch_;
+  }
+  return true;
+}
+
+// Inline: the typed and view reads are little more than this.
+inline bool TextReader::ReadItemSpan(std::string_view& item, bool& quoted,
+                                     bool whole_line) {
   const size_t size = data_.size();
   if (pos_ >= size) return false;
   const char* base = data_.data();
@@ -303,7 +423,7 @@ bool TextReader::ReadItemImpl(std::string& item, bool& quoted,
       const void* q = std::memchr(base + end, '"', size - end);
       end = q ? static_cast<size_t>(static_cast<const char*>(q) - base) : size;
     }
-    item.assign(base + start, end - start);
+    item = std::string_view(base + start, end - start);
     pos_ = end < size ? end + 1 : size;
     while (pos_ < size && blank(base[pos_])) ++pos_;
     if (pos_ < size && base[pos_] == ',') {
@@ -313,16 +433,14 @@ bool TextReader::ReadItemImpl(std::string& item, bool& quoted,
       SkipLineEnd();
     }
   } else {
-    size_t end = pos_;
-    while (end < size && !kStops.stop[static_cast<unsigned char>(base[end])]) {
-      ++end;
-    }
+    const size_t end =
+        static_cast<size_t>(FindStop(base + pos_, base + size, true) - base);
     size_t trimmed = end;
     while (trimmed > pos_ &&
            (base[trimmed - 1] == ' ' || base[trimmed - 1] == '\0')) {
       --trimmed;
     }
-    item.assign(base + pos_, trimmed - pos_);
+    item = std::string_view(base + pos_, trimmed - pos_);
     pos_ = end;
     if (pos_ < size && base[pos_] == ',') {
       ++pos_;
@@ -332,13 +450,12 @@ bool TextReader::ReadItemImpl(std::string& item, bool& quoted,
     }
   }
   if (whole_line && !line_ended) SkipRestOfLine();
-  if (has_nuls_) DropNuls(item);
   return true;
 }
 
 bool TextReader::ReadBool(bool& value) {
-  std::string& item = scratch_;
-  if (!ReadItem(item)) return false;
+  std::string_view item;
+  if (!ReadItemView(item, false)) return false;
   if (item == "#TRUE#" || EqualsIgnoreCase(item, "#TRUE#") ||
       EqualsIgnoreCase(item, "True")) {
     value = true;
@@ -367,37 +484,23 @@ std::string_view BooleanAsNumber(std::string_view item) {
 }  // namespace
 
 bool TextReader::ReadLong(int32_t& value) {
-  std::string& item = scratch_;
-  if (!ReadItem(item)) return false;
-  // Most stored numbers are short plain integers: convert those directly.
-  size_t digits = item.size() - (!item.empty() && item[0] == '-');
-  if (digits > 0 && digits <= 9) {
-    int32_t n = 0;
-    size_t i = item.size() - digits;
-    for (; i < item.size() && item[i] >= '0' && item[i] <= '9'; ++i) {
-      n = n * 10 + (item[i] - '0');
-    }
-    if (i == item.size()) {
-      value = item[0] == '-' ? -n : n;
-      return true;
-    }
-  }
-  return ToLong(BooleanAsNumber(item), value);
+  std::string_view item;
+  return ReadItemView(item, false) && ToLong(BooleanAsNumber(item), value);
 }
 
 bool TextReader::ReadInteger(int16_t& value) {
-  std::string& item = scratch_;
-  return ReadItem(item) && ToInteger(BooleanAsNumber(item), value);
+  std::string_view item;
+  return ReadItemView(item, false) && ToInteger(BooleanAsNumber(item), value);
 }
 
 bool TextReader::ReadSingle(float& value) {
-  std::string& item = scratch_;
-  return ReadItem(item) && ToSingle(BooleanAsNumber(item), value);
+  std::string_view item;
+  return ReadItemView(item, false) && ToSingle(BooleanAsNumber(item), value);
 }
 
 bool TextReader::ReadDouble(double& value) {
-  std::string& item = scratch_;
-  return ReadItem(item) && ToDouble(BooleanAsNumber(item), value);
+  std::string_view item;
+  return ReadItemView(item, false) && ToDouble(BooleanAsNumber(item), value);
 }
 
 void ItemValue::AppendTo(std::string& out) const {
@@ -408,7 +511,7 @@ void ItemValue::AppendTo(std::string& out) const {
   } else if (const auto* b = std::get_if<bool>(&v_)) {
     out.append(*b ? "#TRUE#" : "#FALSE#");
   } else if (const auto* n = std::get_if<int64_t>(&v_)) {
-    out.append(NumberText(*n));
+    AppendInteger(out, *n);
   } else if (const auto* f = std::get_if<float>(&v_)) {
     out.append(NumberText(*f));
   } else {
@@ -452,7 +555,7 @@ bool TextWriter::Create(const std::string& path) {
   mode_t mode = exists ? (st.st_mode & 07777) : 0644;
   ::fchmod(fd_, mode);
   ok_ = true;
-  buffer_.clear();
+  used_ = 0;
   return true;
 }
 
@@ -464,8 +567,8 @@ void TextWriter::Fail(int error) {
 
 void TextWriter::Flush() {
   size_t done = 0;
-  while (fd_ >= 0 && ok_ && done < buffer_.size()) {
-    ssize_t n = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
+  while (fd_ >= 0 && ok_ && done < used_) {
+    ssize_t n = ::write(fd_, buffer_.get() + done, used_ - done);
     if (n < 0 && errno == EINTR) continue;
     if (n <= 0) {
       Fail(n < 0 ? errno : EIO);
@@ -473,7 +576,21 @@ void TextWriter::Flush() {
     }
     done += static_cast<size_t>(n);
   }
-  buffer_.clear();
+  used_ = 0;
+}
+
+inline void TextWriter::Reserve(size_t n) {
+  if (capacity_ - used_ >= n) return;
+  Grow(n);
+}
+
+void TextWriter::Grow(size_t n) {
+  size_t capacity = 0;
+  auto grown = TakeBuffer(
+      std::max({kFirstBufferSize, 2 * capacity_, used_ + n}), capacity);
+  if (used_ != 0) std::memcpy(grown.get(), buffer_.get(), used_);
+  GiveBackBuffer(std::exchange(buffer_, std::move(grown)), capacity_);
+  capacity_ = capacity;
 }
 
 void TextWriter::Write(std::string_view text) {
@@ -481,13 +598,47 @@ void TextWriter::Write(std::string_view text) {
     Fail(EBADF);
     return;
   }
-  buffer_.append(text);
-  if (buffer_.size() >= kFlushSize) Flush();
+  Reserve(text.size());
+  if (!text.empty())
+    std::memcpy(buffer_.get() + used_, text.data(), text.size());
+  used_ += text.size();
+  if (used_ >= kFlushSize) Flush();
 }
 
 void TextWriter::WriteLine(std::string_view line) {
   Write(line);
   Write("\r\n");
+}
+
+void TextWriter::WriteLineParts(std::initializer_list<LinePart> parts) {
+  if (fd_ < 0) {
+    Fail(EBADF);
+    return;
+  }
+  // Each part is written in place, with room made for its longest form
+  // (and the line end) first.
+  constexpr size_t kNumberMax = 20;  // "-9223372036854775808"
+  for (const LinePart& part : parts) {
+    if (part.is_number_) {
+      Reserve(kNumberMax + 2);
+      char* p = buffer_.get() + used_;
+      if (part.number_ >= 0 && part.number_ < 10) {
+        *p++ = static_cast<char>('0' + part.number_);
+      } else {
+        p = std::to_chars(p, p + kNumberMax, part.number_).ptr;
+      }
+      used_ = static_cast<size_t>(p - buffer_.get());
+    } else {
+      const size_t n = part.text_.size();
+      Reserve(n + 2);
+      if (n != 0) std::memcpy(buffer_.get() + used_, part.text_.data(), n);
+      used_ += n;
+    }
+  }
+  Reserve(2);
+  buffer_[used_++] = '\r';
+  buffer_[used_++] = '\n';
+  if (used_ >= kFlushSize) Flush();
 }
 
 void TextWriter::WriteItems(std::initializer_list<ItemValue> items) {
@@ -504,6 +655,7 @@ void TextWriter::WriteItems(std::initializer_list<ItemValue> items) {
 bool TextWriter::Commit() {
   if (fd_ < 0) return false;
   Flush();
+  ReleaseBuffer();
   if (::close(fd_) != 0) Fail(errno);
   fd_ = -1;
   if (ok_ && ::rename(temp_.c_str(), target_.c_str()) == 0) {
@@ -532,8 +684,14 @@ void TextWriter::Abandon() {
   }
   UnlistTempFile(slot_);
   slot_ = -1;
-  buffer_.clear();
+  ReleaseBuffer();
   ok_ = false;
+}
+
+void TextWriter::ReleaseBuffer() {
+  GiveBackBuffer(std::move(buffer_), capacity_);
+  capacity_ = 0;
+  used_ = 0;
 }
 
 int LastFileError() { return last_file_error; }

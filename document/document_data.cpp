@@ -72,10 +72,10 @@ bool cDocumentData::WriteSettings(const std::string& FileName,
     return false;
   };
   out.WriteLine(kVersionLine);
-  out.WriteLine("DocStatus:" + NumberText(Status));
-  out.WriteLine("DocMessage:" + StatusMessage);
+  out.WriteLineParts({"DocStatus:", Status});
+  out.WriteLineParts({"DocMessage:", StatusMessage});
   out.WriteLine(ProfileName);
-  out.WriteLine("LastSheetIndex:" + NumberText(LastSheetIndex));
+  out.WriteLineParts({"LastSheetIndex:", LastSheetIndex});
   using Writer = bool (cFieldData::*)(int32_t, TextWriter&, std::string&) const;
   const struct {
     const char* count_label;
@@ -88,15 +88,15 @@ bool cDocumentData::WriteSettings(const std::string& FileName,
       {"DocEndMarksCount:", DocEndMarks, &cFieldData::WriteDocEndMarkSettings},
   };
   for (const auto& group : groups) {
-    out.WriteLine(group.count_label + NumberText(CountSet(group.items)));
+    out.WriteLineParts({group.count_label, CountSet(group.items)});
     if (!out.ok()) return fail();
     int32_t i = 0;
     for (const auto& f : group.items) {
       if (f && !((*f).*group.write)(++i, out, strErrMsg)) return fail();
     }
   }
-  out.WriteLine("LineCount:" + NumberText(CountSet(LineData)));
-  out.WriteLine("ColumnCount:" + NumberText(columns));
+  out.WriteLineParts({"LineCount:", CountSet(LineData)});
+  out.WriteLineParts({"ColumnCount:", columns});
   if (!out.ok()) return fail();
   int32_t i = 0;
   for (const auto& row : LineData) {
@@ -141,6 +141,7 @@ bool cDocumentData::ReadSettings(TextReader& in, std::string& strErrMsg) {
 
   auto self = weak_from_this();
   if (!read_count(n)) return fail();
+  Fields.Reserve(Fields.Count() + RecordsToReserve(in, n));
   for (int32_t i = 1; i <= n; ++i) {
     auto f = std::make_shared<cFieldData>();
     f->Document = self;
@@ -181,6 +182,7 @@ bool cDocumentData::ReadSettings(TextReader& in, std::string& strErrMsg) {
   if (ver >= 0.918f) {
     int32_t columns = 0;
     if (!read_count(n) || !read_count(columns)) return fail();
+    LineData.Reserve(LineData.Count() + RecordsToReserve(in, n));
     for (int32_t i = 1; i <= n; ++i) {
       auto row = cLineData::New();
       row->Document = self;

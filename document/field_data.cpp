@@ -217,16 +217,19 @@ void cFieldData::LogFormatMessage(std::string& strMsg) const {
 void cFieldData::WriteRecords(const char* prefix, int32_t TagIdx,
                               TextWriter& hFile, bool value_lines,
                               bool status_lines, bool type_line) const {
-  const std::string head = prefix + NumberText(TagIdx);
-  hFile.WriteLine(head + "Name:" + Name);
-  if (value_lines) hFile.WriteLine(head + "Value:" + value);
+  const std::string_view head = prefix;
+  hFile.WriteLineParts({head, TagIdx, "Name:", Name});
+  if (value_lines) hFile.WriteLineParts({head, TagIdx, "Value:", value});
   if (status_lines) {
-    hFile.WriteLine(head + "Status:" + NumberText(Status));
-    hFile.WriteLine(head + "Message:" + StatusMessage);
+    hFile.WriteLineParts({head, TagIdx, "Status:", Status});
+    hFile.WriteLineParts({head, TagIdx, "Message:", StatusMessage});
   }
-  hFile.WriteLine(head + "DataLocation:" + NumberText(DataLocation()));
-  if (type_line) hFile.WriteLine(head + "DataType:" + NumberText(DataType()));
-  hFile.WriteLine(head + "Coords:" + CoordsText(Left, Top, Width, Height));
+  hFile.WriteLineParts({head, TagIdx, "DataLocation:", DataLocation()});
+  if (type_line) {
+    hFile.WriteLineParts({head, TagIdx, "DataType:", DataType()});
+  }
+  hFile.WriteLineParts(
+      {head, TagIdx, "Coords:", Left, ":", Top, ":", Width, ":", Height});
 }
 
 namespace {

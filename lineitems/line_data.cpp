@@ -37,14 +37,6 @@ bool Written(const TextWriter& hFile, std::string& strErrMsg) {
   return false;
 }
 
-std::string Label(int32_t line, const char* word) {
-  return "Line" + NumberText(line) + word;
-}
-
-std::string Label(int32_t line, int32_t col, const char* word) {
-  return "Line" + NumberText(line) + "Col" + NumberText(col) + word;
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -127,10 +119,12 @@ bool cLineItemData::WriteSettings(int32_t lLineIdx, int32_t lColumnIdx,
                                   TextWriter& hFile,
                                   std::string& strErrMsg) const {
   strErrMsg.clear();
-  hFile.WriteLine(Label(lLineIdx, lColumnIdx, "Name:") + Name);
-  hFile.WriteLine(Label(lLineIdx, lColumnIdx, "Value:") + value);
-  hFile.WriteLine(Label(lLineIdx, lColumnIdx, "Status:") + NumberText(Status));
-  hFile.WriteLine(Label(lLineIdx, lColumnIdx, "Message:") + StatusMessage);
+  hFile.WriteLineParts({"Line", lLineIdx, "Col", lColumnIdx, "Name:", Name});
+  hFile.WriteLineParts({"Line", lLineIdx, "Col", lColumnIdx, "Value:", value});
+  hFile.WriteLineParts(
+      {"Line", lLineIdx, "Col", lColumnIdx, "Status:", Status});
+  hFile.WriteLineParts(
+      {"Line", lLineIdx, "Col", lColumnIdx, "Message:", StatusMessage});
   return Written(hFile, strErrMsg);
 }
 
@@ -192,11 +186,11 @@ void cLineData::ClearLineItems() {
 bool cLineData::WriteSettings(int32_t lLineIdx, TextWriter& hFile,
                               std::string& strErrMsg) const {
   strErrMsg.clear();
-  hFile.WriteLine(Label(lLineIdx, "Status:") + NumberText(Status));
-  hFile.WriteLine(Label(lLineIdx, "Message:") + StatusMessage);
-  hFile.WriteLine(Label(lLineIdx, "Coords:") +
-                  CoordsText(Left, Top, Width, Height));
-  hFile.WriteLine(Label(lLineIdx, "DataLocation:") + NumberText(Location));
+  hFile.WriteLineParts({"Line", lLineIdx, "Status:", Status});
+  hFile.WriteLineParts({"Line", lLineIdx, "Message:", StatusMessage});
+  hFile.WriteLineParts(
+      {"Line", lLineIdx, "Coords:", Left, ":", Top, ":", Width, ":", Height});
+  hFile.WriteLineParts({"Line", lLineIdx, "DataLocation:", Location});
   if (!Written(hFile, strErrMsg)) return false;
   // Empty cells are left out and the others numbered without gaps, as
   // the reader numbers them.
@@ -228,6 +222,8 @@ bool cLineData::ReadSettings(int32_t lLineIdx, int32_t lNoColumns,
     strErrMsg = kDocTagsReadError;
     return false;
   }
+  colLineItemData.Reserve(colLineItemData.Count() +
+                          RecordsToReserve(hFile, lNoColumns));
   for (int32_t col = 1; col <= lNoColumns; ++col) {
     auto cell = std::make_shared<cLineItemData>();
     cell->LineData = weak_from_this();

@@ -1,11 +1,16 @@
 // Internal helpers for the labelled records of the document tag file
 // (docs/formats/document.md): the line readers shared by field, row and
 // cell records. Not part of the public interface.
+//
+// Writers write their lines with TextWriter::WriteLineParts(), so that a
+// record costs no string built for it.
 
 #ifndef PELINOR_LINEITEMS_TAG_RECORDS_H_
 #define PELINOR_LINEITEMS_TAG_RECORDS_H_
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -16,11 +21,11 @@
 
 namespace pelinor::tag_records {
 
-// The line buffer the readers below reuse, so that reading a record costs
-// no allocation beyond the value it keeps.
-inline std::string& ScratchLine() {
-  thread_local std::string line;
-  return line;
+// `s` without leading and trailing spaces, as Trim() gives it; most values
+// have none, and those are returned without the call.
+inline std::string_view TrimSpaces(std::string_view s) {
+  if (s.empty() || (s.front() != ' ' && s.back() != ' ')) return s;
+  return Trim(s);
 }
 
 // The blank-trimmed text after the first ':' of `line`, false when the line
@@ -28,15 +33,36 @@ inline std::string& ScratchLine() {
 inline bool ValueAfterLabel(std::string_view line, std::string_view& value) {
   size_t colon = line.find(':');
   if (colon == std::string_view::npos) return false;
-  value = Trim(line.substr(colon + 1));
+  value = TrimSpaces(line.substr(colon + 1));
   return true;
+}
+
+// ToLong() of a record's number. Nearly every number of a tag file is a
+// few plain digits; those are converted here without the call (ToLong()
+// gives them the same value), anything else by ToLong().
+inline bool NumberValue(std::string_view text, int32_t& value) {
+  const bool negative = !text.empty() && text[0] == '-';
+  const size_t digits = text.size() - (negative ? 1 : 0);
+  if (digits >= 1 && digits <= 9) {
+    int32_t n = 0;
+    size_t i = negative ? 1 : 0;
+    for (; i < text.size(); ++i) {
+      const unsigned d = static_cast<unsigned char>(text[i]) - '0';
+      if (d > 9) break;
+      n = n * 10 + static_cast<int32_t>(d);
+    }
+    if (i == text.size()) {
+      value = negative ? -n : n;
+      return true;
+    }
+  }
+  return ToLong(text, value);
 }
 
 // Whole-line reading: the value after the label.
 inline bool ReadLineValue(TextReader& in, std::string& value) {
-  std::string& line = ScratchLine();
-  std::string_view text;
-  if (!in.ReadLine(line) || !ValueAfterLabel(line, text)) return false;
+  std::string_view line, text;
+  if (!in.ReadLineView(line) || !ValueAfterLabel(line, text)) return false;
   value.assign(text);
   return true;
 }
@@ -44,33 +70,40 @@ inline bool ReadLineValue(TextReader& in, std::string& value) {
 // First-item reading (cut at a comma, the rest of the line skipped): the
 // value after the label.
 inline bool ReadItemValue(TextReader& in, std::string& value) {
-  std::string& line = ScratchLine();
-  std::string_view text;
-  if (!in.ReadFirstItem(line) || !ValueAfterLabel(line, text)) return false;
+  std::string_view line, text;
+  if (!in.ReadFirstItemView(line) || !ValueAfterLabel(line, text)) {
+    return false;
+  }
   value.assign(text);
   return true;
 }
 
 // First-item reading of a labelled number.
 inline bool ReadItemLong(TextReader& in, int32_t& value) {
-  std::string& line = ScratchLine();
-  std::string_view text;
-  return in.ReadFirstItem(line) && ValueAfterLabel(line, text) &&
-         ToLong(text, value);
+  std::string_view line, text;
+  return in.ReadFirstItemView(line) && ValueAfterLabel(line, text) &&
+         NumberValue(text, value);
 }
 
-// First-item reading of "Label:left:top:width:height".
+// First-item reading of "Label:left:top:width:height". Each number is
+// trimmed of spaces and must be numeric; a fifth ':' leaves the last
+// number unreadable.
 inline bool ReadCoords(TextReader& in, int32_t& left, int32_t& top,
                        int32_t& width, int32_t& height) {
-  std::string& line = ScratchLine();
-  std::string_view rest;
-  if (!in.ReadFirstItem(line) || !ValueAfterLabel(line, rest)) return false;
+  std::string_view line, rest;
+  if (!in.ReadFirstItemView(line) || !ValueAfterLabel(line, rest)) {
+    return false;
+  }
   int32_t n[4];
   for (int i = 0; i < 4; ++i) {
     std::string_view head = rest;
-    if (i < 3 && !ValueAfterLabel(rest, rest)) return false;
-    if (i < 3) head = Trim(head.substr(0, head.find(':')));
-    if (!IsNumeric(head) || !ToLong(head, n[i])) return false;
+    if (i < 3) {
+      const size_t colon = rest.find(':');
+      if (colon == std::string_view::npos) return false;
+      head = TrimSpaces(rest.substr(0, colon));
+      rest = TrimSpaces(rest.substr(colon + 1));
+    }
+    if (!NumberValue(head, n[i])) return false;
   }
   left = n[0];
   top = n[1];
@@ -79,15 +112,36 @@ inline bool ReadCoords(TextReader& in, int32_t& left, int32_t& top,
   return true;
 }
 
-inline std::string CoordsText(int32_t left, int32_t top, int32_t width,
-                              int32_t height) {
-  return NumberText(left) + ":" + NumberText(top) + ":" + NumberText(width) +
-         ":" + NumberText(height);
+// The room to make for a count of `n` records read from `in`: never more
+// than the rest of the file could hold at 64 bytes a record (real records
+// take more), so a damaged count reserves little and reads to the end.
+inline int RecordsToReserve(const TextReader& in, int32_t n) {
+  const size_t fit = (in.Data().size() - in.Tell()) / 64;
+  return n <= 0 ? 0 : static_cast<int>(std::min<size_t>(n, fit));
 }
 
-// The version of `strVer` ("ver0.946"), false when unreadable.
+// The version of `strVer` ("ver0.946"), false when unreadable. Every
+// record of a file is read with the file's one version line, so the last
+// line converted on this thread is remembered with its number.
 inline bool Version(const std::string& strVer, float& ver) {
-  return ParseVersionNumber(strVer, ver);
+  struct Memo {
+    char text[16];
+    size_t size = 0;  // 0: nothing remembered (a version line has 4 or more)
+    float ver = 0;
+  };
+  thread_local Memo memo;
+  if (memo.size != 0 && strVer.size() == memo.size &&
+      std::memcmp(strVer.data(), memo.text, memo.size) == 0) {
+    ver = memo.ver;
+    return true;
+  }
+  if (!ParseVersionNumber(strVer, ver)) return false;
+  if (strVer.size() <= sizeof memo.text) {
+    std::memcpy(memo.text, strVer.data(), strVer.size());
+    memo.size = strVer.size();
+    memo.ver = ver;
+  }
+  return true;
 }
 
 }  // namespace pelinor::tag_records

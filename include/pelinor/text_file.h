@@ -29,7 +29,10 @@
 // remove them (RemoveTemporaryFiles()).
 //
 // Thread safety: a reader or writer object is used by one thread at a time;
-// separate objects are independent.
+// separate objects are independent. A thread keeps the buffers of up to two
+// closed readers or writers (of at most 256 KiB each) for its next ones, so
+// that a batch of small files is read and written without allocating a
+// buffer for each; they are freed when the thread ends.
 
 #ifndef PELINOR_TEXT_FILE_H_
 #define PELINOR_TEXT_FILE_H_
@@ -37,6 +40,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -82,10 +86,7 @@ class TextReader {
   // end of the contents.
   void Rewind() { Seek(0); }
   size_t Tell() const { return pos_; }
-  void Seek(size_t pos) {
-    pos_ = pos < data_.size() ? pos : data_.size();
-    lf_cached_ = false;
-  }
+  void Seek(size_t pos) { pos_ = pos < data_.size() ? pos : data_.size(); }
 
   // Data()
   //
@@ -115,6 +116,16 @@ class TextReader {
   // line its closing quote is on is skipped. False at the end of the file.
   bool ReadFirstItem(std::string& item);
 
+  // ReadLineView()
+  // ReadFirstItemView()
+  //
+  // ReadLine() and ReadFirstItem() without the copy, for readers that
+  // convert or keep only part of what they read. `text` views the reader's
+  // contents (or a buffer of the reader's own when NUL bytes had to be
+  // dropped) and stays valid until the next read, Seek(), Close() or Open().
+  bool ReadLineView(std::string_view& text);
+  bool ReadFirstItemView(std::string_view& text);
+
   // ReadBool()
   //
   // Reads one item as a Boolean: "#TRUE#" / "#FALSE#", "True" / "False"
@@ -137,28 +148,36 @@ class TextReader {
 
  private:
   // Consumes one line end (CR LF, CR or LF) at the position, if any.
-  void SkipLineEnd();
+  // (Inline functions here are defined and used in text_file.cpp only.)
+  inline void SkipLineEnd();
 
   // The position of the first CR or LF at or after the position (the size
-  // of the contents when there is none). REQUIRES: not at the end.
-  size_t LineEnd();
+  // of the contents when there is none).
+  size_t LineEnd() const;
 
   // Consumes everything up to and including the next line end.
   void SkipRestOfLine();
 
   // Item reading; with `whole_line`, the rest of the item's line is
-  // skipped (ReadFirstItem()).
-  bool ReadItemImpl(std::string& item, bool& quoted, bool whole_line);
+  // skipped (ReadFirstItem()). `item` views the item as it stands in the
+  // contents, NUL bytes included.
+  inline bool ReadItemSpan(std::string_view& item, bool& quoted,
+                           bool whole_line);
 
-  std::string owned_;    // contents read into memory
+  // ReadItemSpan() with the NUL bytes dropped: into `item`, or viewed in
+  // place (or in scratch_) by the View() form.
+  bool ReadItemImpl(std::string& item, bool& quoted, bool whole_line);
+  bool ReadItemView(std::string_view& item, bool whole_line);
+
+  std::string owned_;             // contents given to OpenText()
+  std::unique_ptr<char[]> read_;  // or read from a file
+  size_t read_capacity_ = 0;
   void* map_ = nullptr;  // or mapped from a large file
   size_t map_size_ = 0;
-  std::string_view data_;  // whichever of the two holds the contents
+  std::string_view data_;  // whichever of the three holds the contents
   size_t pos_ = 0;
-  std::string scratch_;  // reused by the typed reads
-  size_t next_lf_ = 0;   // the next LF at or after pos_, when lf_cached_
-  bool lf_cached_ = false;
-  bool has_nuls_ = false;  // whether DropNuls() has anything to do
+  std::string scratch_;    // reused by the typed and view reads
+  bool has_nuls_ = false;  // whether NUL bytes have to be dropped
   bool open_ = false;
 };
 
@@ -188,6 +207,27 @@ class ItemValue {
   std::variant<std::string_view, bool, int64_t, float, double> v_;
 };
 
+// LinePart
+//
+// One piece of a line for TextWriter::WriteLineParts(): a text written as
+// it stands, or an integer in the form of NumberText() (numeric.h). Holds a
+// view: the text must outlive the call.
+class LinePart {
+ public:
+  LinePart(std::string_view text) : text_(text) {}
+  LinePart(const char* text) : text_(text) {}
+  LinePart(const std::string& text) : text_(text) {}
+  LinePart(int32_t n) : number_(n), is_number_(true) {}
+  LinePart(int64_t n) : number_(n), is_number_(true) {}
+
+ private:
+  friend class TextWriter;
+
+  std::string_view text_;
+  int64_t number_ = 0;
+  bool is_number_ = false;
+};
+
 class TextWriter {
  public:
   TextWriter() = default;
@@ -207,6 +247,12 @@ class TextWriter {
   //
   // Writes `line` followed by CR LF.
   void WriteLine(std::string_view line);
+
+  // WriteLineParts()
+  //
+  // Writes the parts one after another, followed by CR LF: the line that
+  // WriteLine() would write for their concatenation, without building it.
+  void WriteLineParts(std::initializer_list<LinePart> parts);
 
   // Write()
   //
@@ -244,13 +290,24 @@ class TextWriter {
   void Flush();
   void Fail(int error);
 
+  // Makes room for `n` more bytes after the buffered ones; Grow() is its
+  // rare part.
+  inline void Reserve(size_t n);
+  void Grow(size_t n);
+
+  // Hands the buffer back for the next writer or reader of the thread.
+  void ReleaseBuffer();
+
   int fd_ = -1;
   bool ok_ = false;
   int error_ = 0;
   int slot_ = -1;  // place in the list of temporary files in flight
   std::string target_;
   std::string temp_;
-  std::string buffer_;
+  // The bytes not yet written: the first used_ of capacity_.
+  std::unique_ptr<char[]> buffer_;
+  size_t used_ = 0;
+  size_t capacity_ = 0;
 };
 
 // LastFileError()

@@ -4,7 +4,12 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <climits>
+#include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <iterator>
+#include <string_view>
 #include <vector>
 
 #include "test_util.h"
@@ -119,6 +124,88 @@ TEST(TextReader, ReadsTheFirstItemOfEachLine) {
   }
 }
 
+// The view reads give what the copying reads give, also where a line or
+// item ends on either side of a 16-byte block and at the end of the data.
+TEST(TextReader, ViewReadsGiveWhatCopyingReadsGive) {
+  const std::string a15(15, 'a'), a16(16, 'a'), a17(17, 'a'), a31(31, 'a');
+  struct Case {
+    std::string data;
+    Strings lines;
+    Strings first_items;
+  } cases[] = {
+      {a15 + "\r\n" + a16 + "\n" + a17 + "\r" + a31,
+       {a15, a16, a17, a31},
+       {a15, a16, a17, a31}},
+      {a15 + "," + a16 + "\r\n" + a16 + ",x\n" + a17 + ",\r\n",
+       {a15 + "," + a16, a16 + ",x", a17 + ","},
+       {a15, a16, a17}},
+      {a31 + "x\r\r\n" + a16 + "  ,y\n\n",
+       {a31 + "x", "", a16 + "  ,y", ""},
+       {a31 + "x", "", a16, ""}},
+      {"Field1Name:Acme, Ltd" + a16 + "\r\nField1Value: 12 \r\n",
+       {"Field1Name:Acme, Ltd" + a16, "Field1Value: 12 "},
+       {"Field1Name:Acme", "Field1Value: 12"}},
+      {std::string("n\0"
+                   "a\0b,c\nd",
+                   9),
+       {std::string("n\0"
+                    "a\0b,c",
+                    7),
+        "d"},
+       {"nab", "d"}},
+      {"\"" + a17 + ",q\"" + a16 + "\r\nz",
+       {"\"" + a17 + ",q\"" + a16, "z"},
+       {a17 + ",q", "z"}},
+      {"", {}, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.data);
+    TextReader r;
+    r.OpenText(c.data);
+    Strings lines;
+    std::string_view view;
+    while (r.ReadLineView(view)) lines.emplace_back(view);
+    EXPECT_EQ(lines, c.lines);
+    EXPECT_EQ(AllLines(c.data), c.lines);
+    r.Rewind();
+    Strings items;
+    while (r.ReadFirstItemView(view)) items.emplace_back(view);
+    EXPECT_EQ(items, c.first_items);
+    EXPECT_EQ(AllFirstItems(c.data), c.first_items);
+  }
+}
+
+// Readers hand their buffers on to the next reader of the thread: each
+// reader still sees its own file only, whatever was read before it and
+// whichever other reader is open at the same time.
+TEST(TextReader, ReadsFileAfterFileEachWhole) {
+  TempDir dir;
+  const size_t sizes[] = {5000, 10, 0, 4096, 4097, 300000, 20, 8000};
+  std::vector<std::string> contents;
+  for (size_t i = 0; i < std::size(sizes); ++i) {
+    std::string text(sizes[i], static_cast<char>('a' + i));
+    if (!text.empty()) text.back() = '\n';
+    WriteFile(dir.File(std::to_string(i)), text);
+    contents.push_back(text);
+  }
+  TextReader kept;
+  ASSERT_TRUE(kept.Open(dir.File("0")));
+  for (size_t i = 0; i < std::size(sizes); ++i) {
+    SCOPED_TRACE(sizes[i]);
+    TextReader r;
+    ASSERT_TRUE(r.Open(dir.File(std::to_string(i))));
+    EXPECT_EQ(r.Data(), contents[i]);
+    TextReader moved(std::move(r));
+    EXPECT_EQ(moved.Data(), contents[i]);
+    EXPECT_EQ(kept.Data(), contents[0]);
+    if (i == 3) {
+      kept.Close();
+      ASSERT_TRUE(kept.Open(dir.File("1")));
+      contents[0] = contents[1];
+    }
+  }
+}
+
 TEST(TextReader, MixesItemAndLineReading) {
   TextReader r;
   r.OpenText("ver0.946\r\n\"Name\",12\r\nrest of line\r\n");
@@ -201,6 +288,57 @@ TEST(TextWriter, WritesQuotedItemsAndLinesWithCrLf) {
   while (r.ReadItem(s)) items.push_back(s);
   EXPECT_EQ(items, (Strings{"text", "-7", "#TRUE#", "#FALSE#", "0.5", "2", "",
                             "raw"}));
+}
+
+// A line written in parts is the line of their concatenation, numbers in
+// their plain decimal form, also where the line outgrows the first buffer
+// or crosses the size at which the buffer goes to disk.
+TEST(TextWriter, WritesLinesInParts) {
+  const std::string big(70000, 'b');
+  const std::string mid(9000, 'm');
+  struct Case {
+    std::function<void(TextWriter&)> write;
+    std::string file;
+  } cases[] = {
+      {[](TextWriter& w) {
+         w.WriteLineParts({"Field", int32_t{12}, "Coords:", int32_t{-5}, ":",
+                           int32_t{0}, ":", int32_t{9}, ":", int32_t{10}});
+       },
+       "Field12Coords:-5:0:9:10\r\n"},
+      {[](TextWriter& w) {
+         w.WriteLineParts({INT32_MIN, ",", INT32_MAX, ",", INT64_MIN, ",",
+                           INT64_MAX, ",", int32_t{-1}});
+       },
+       "-2147483648,2147483647,-9223372036854775808,9223372036854775807,-1"
+       "\r\n"},
+      {[](TextWriter& w) {
+         w.WriteLineParts({});
+         w.WriteLineParts({"", std::string(), std::string_view()});
+         w.Write("a");
+         w.WriteLineParts({"b"});
+       },
+       "\r\n\r\nab\r\n"},
+      {[&](TextWriter& w) {
+         w.WriteLineParts({"x:", mid, int32_t{7}});
+         w.WriteLineParts({big, ":", int32_t{42}});
+         w.WriteLine("end");
+       },
+       "x:" + mid + "7\r\n" + big + ":42\r\nend\r\n"},
+  };
+  TempDir dir;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.file.substr(0, 40));
+    const std::string path = dir.File("parts.txt");
+    TextWriter w;
+    ASSERT_TRUE(w.Create(path));
+    c.write(w);
+    ASSERT_TRUE(w.Commit());
+    EXPECT_EQ(ReadFile(path), c.file);
+  }
+  TextWriter closed;
+  closed.WriteLineParts({"x"});
+  EXPECT_FALSE(closed.ok());
+  EXPECT_EQ(closed.error(), EBADF);
 }
 
 TEST(TextWriter, NeverExposesAHalfWrittenFile) {

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "pelinor/file_system.h"
 #include "test_util.h"
@@ -378,6 +380,66 @@ TEST(DocumentData, AFailedWriteKeepsTheOldFileAndSaysWhy) {
   std::string err;
   EXPECT_FALSE(cDocumentData::New()->WriteSettings(dir.File("no/d.tag"), err));
   EXPECT_EQ(err, kDocTagsCreateError);
+}
+
+// Values at the edges of what the writer and reader handle come back as
+// they were written, and writing what was read gives the same bytes:
+// extreme numbers, values that outgrow the writer's first buffer or cross
+// the size at which it goes to disk, and texts whose ends fall on either
+// side of a 16-byte block.
+TEST(DocumentData, RoundTripsValuesAtTheEdges) {
+  struct Case {
+    std::string name, value, message;
+    int32_t status, location, left, top, width, height;
+    std::string coords_line;
+  } cases[] = {
+      {"N", "v", "m", INT32_MIN, -6, INT32_MIN, INT32_MAX, -1, 0,
+       "Field1Coords:-2147483648:2147483647:-1:0\r\n"},
+      {std::string(15, 'n'), std::string(16, 'v'), std::string(17, 'm'),
+       INT32_MAX, 9, 10, 99, 100, 1000000000,
+       "Field1Coords:10:99:100:1000000000\r\n"},
+      {std::string(16, 'n'), "\ta:b:c\t", "", 0, 1, 0, 0, 0, 0,
+       "Field1Coords:0:0:0:0\r\n"},
+      {std::string(17, 'n'), std::string(9000, 'v'), std::string(70000, 'm'),
+       -1, -2, 1, 2, 3, 4, "Field1Coords:1:2:3:4\r\n"},
+  };
+  TempDir dir;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    auto doc = cDocumentData::New();
+    auto f = AddField(*doc, 0, c.name, c.value, c.location, c.left, c.top,
+                      c.width, c.height);
+    f->Status = c.status;
+    f->StatusMessage = c.message;
+    AddRow(*doc, c.status, c.message, c.top, c.value, c.name, c.location,
+           c.message);
+    std::string err;
+    ASSERT_TRUE(doc->WriteSettings(dir.File("a.tag"), err)) << err;
+    const std::string written = ReadFile(dir.File("a.tag"));
+    EXPECT_NE(written.find("\r\n" + c.coords_line), std::string::npos);
+
+    auto back = cDocumentData::New();
+    ASSERT_TRUE(back->ReadSettings(dir.File("a.tag"), err)) << err;
+    ASSERT_EQ(back->Fields.Count(), 1);
+    const auto& g = back->Fields.Item(1);
+    EXPECT_EQ(g->Name, c.name);
+    EXPECT_EQ(g->value, c.value);
+    EXPECT_EQ(g->Status, c.status);
+    EXPECT_EQ(g->StatusMessage, c.message);
+    EXPECT_EQ(g->DataLocation(), c.location);
+    EXPECT_EQ(std::vector<int32_t>({g->Left, g->Top, g->Width, g->Height}),
+              std::vector<int32_t>({c.left, c.top, c.width, c.height}));
+    ASSERT_EQ(back->LineData.Count(), 1);
+    const auto& row = back->LineData.Item(1);
+    EXPECT_EQ(row->Status, c.status);
+    EXPECT_EQ(row->StatusMessage, c.message);
+    EXPECT_EQ(row->colLineItemData.Item(1)->value, c.value);
+    EXPECT_EQ(row->colLineItemData.Item(2)->value, c.name);
+    EXPECT_EQ(row->colLineItemData.Item(2)->Status, c.location);
+
+    ASSERT_TRUE(back->WriteSettings(dir.File("b.tag"), err)) << err;
+    EXPECT_EQ(ReadFile(dir.File("b.tag")), written);
+  }
 }
 
 TEST(DocumentData, ReadsByVersionGate) {
