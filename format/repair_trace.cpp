@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "pelinor/log.h"
+#include "pelinor/settings_snapshot.h"
 
 namespace pelinor {
 namespace {
@@ -114,6 +115,9 @@ cQuietFormatLog::~cQuietFormatLog() { --quiet_depth; }
 
 bool FormatLogWanted() {
   if (quiet_depth != 0) return false;
+  if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
+    return snapshot->FormatLogOn();
+  }
   // FormatLogPath() without building a string: this runs on every value.
   const char* path = std::getenv(kFormatLogVariable);
   return path != nullptr && *path != '\0';

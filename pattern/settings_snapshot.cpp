@@ -9,6 +9,7 @@
 #include "pelinor/char_mapper.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/file_system.h"
+#include "pelinor/log.h"
 #include "pelinor/registry.h"
 
 namespace pelinor {
@@ -39,6 +40,7 @@ std::shared_ptr<const cSettingsSnapshot> cSettingsSnapshot::Make(
     s->char_map_path_ = JoinPath(profile_dir, kCharMapFileName);
   }
   s->LoadCharMap();
+  s->format_log_on_ = !FormatLogPath().empty();
   return s;
 }
 

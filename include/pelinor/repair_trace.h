@@ -127,8 +127,9 @@ class cQuietFormatLog {
 
 // FormatLogWanted()
 //
-// True when the format log is on (PELINORLOGFORMAT) and this thread is not
-// inside a cQuietFormatLog.
+// True when the format log is on (PELINORLOGFORMAT, or as the thread's
+// ScopedSettingsSnapshot found it) and this thread is not inside a
+// cQuietFormatLog.
 bool FormatLogWanted();
 
 // LogRepairSteps()

@@ -1,6 +1,6 @@
 // The server settings a batch of work reads once: the date locale, the
 // profile directory and the character-mapping file "CharMap.txt" found
-// there.
+// there, and whether a format log is wanted.
 //
 // The library's per-call functions (cFormat's date routines,
 // EvaluatePattern(), ReadServerSetting()) read the registry, and the
@@ -85,6 +85,13 @@ class cSettingsSnapshot {
   // "" otherwise.
   const std::string& CharMapError() const { return char_map_error_; }
 
+  // FormatLogOn()
+  //
+  // Whether PELINORLOGFORMAT named a format log when the snapshot was
+  // made. Under a ScopedSettingsSnapshot, FormatLogWanted() answers from
+  // this instead of reading the environment for every value.
+  bool FormatLogOn() const { return format_log_on_; }
+
   // Id()
   //
   // A number no other snapshot of this process has, so that caches built
@@ -107,6 +114,7 @@ class cSettingsSnapshot {
   std::string char_map_path_;
   std::shared_ptr<const cCharMapper> char_mapper_;
   std::string char_map_error_;
+  bool format_log_on_ = false;
 };
 
 // ScopedSettingsSnapshot

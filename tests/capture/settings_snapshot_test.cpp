@@ -10,7 +10,9 @@
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/file_system.h"
 #include "pelinor/format.h"
+#include "pelinor/log.h"
 #include "pelinor/registry.h"
+#include "pelinor/repair_trace.h"
 #include "test_util.h"
 
 namespace pelinor::testing {
@@ -191,6 +193,32 @@ TEST(SettingsSnapshot, ScopeAnswersServerSettingsOnItsThreadOnly) {
   }
   EXPECT_EQ(cSettingsSnapshot::Current(), nullptr);
   EXPECT_EQ(ReadServerSetting(kLocaleValue, "dflt"), "US");
+}
+
+TEST(SettingsSnapshot, FormatLogIsOnAsItWasWhenTaken) {
+  TempDir dir;
+  const std::string log = dir.File("format.log");
+  struct Case {
+    bool on_when_taken;
+    bool on_now;
+  } cases[] = {{false, false}, {false, true}, {true, false}, {true, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::to_string(c.on_when_taken) + std::to_string(c.on_now));
+    std::shared_ptr<const cSettingsSnapshot> snapshot;
+    {
+      ScopedEnv taken(kFormatLogVariable, c.on_when_taken ? log : "");
+      snapshot = cSettingsSnapshot::Make(std::nullopt, "");
+    }
+    ScopedEnv now(kFormatLogVariable, c.on_now ? log : "");
+    EXPECT_EQ(FormatLogWanted(), c.on_now);
+    {
+      const ScopedSettingsSnapshot scope(snapshot.get());
+      EXPECT_EQ(FormatLogWanted(), c.on_when_taken);
+      const cQuietFormatLog quiet;
+      EXPECT_FALSE(FormatLogWanted());
+    }
+    EXPECT_EQ(FormatLogWanted(), c.on_now);
+  }
 }
 
 }  // namespace
