@@ -127,17 +127,8 @@ bool RoundToLong(double value, int32_t& out) {
 }
 
 bool ToLong(std::string_view s, int32_t& out) {
-  // Plain digits, the common case in stored files, convert exactly without
-  // the floating-point path.
-  std::string_view digits = s;
-  if (!digits.empty() && digits[0] == '-') digits.remove_prefix(1);
-  if (!digits.empty() && digits.size() <= 9 &&
-      std::all_of(digits.begin(), digits.end(), IsDigit)) {
-    int32_t v = 0;
-    for (char c : digits) v = v * 10 + (c - '0');
-    out = digits.size() == s.size() ? v : -v;
-    return true;
-  }
+  // Plain digits convert exactly without the floating-point path.
+  if (PlainDigitsToLong(s, out)) return true;
   double d;
   return ToDouble(s, d) && RoundToLong(d, out);
 }

@@ -41,22 +41,7 @@ inline bool ValueAfterLabel(std::string_view line, std::string_view& value) {
 // few plain digits; those are converted here without the call (ToLong()
 // gives them the same value), anything else by ToLong().
 inline bool NumberValue(std::string_view text, int32_t& value) {
-  const bool negative = !text.empty() && text[0] == '-';
-  const size_t digits = text.size() - (negative ? 1 : 0);
-  if (digits >= 1 && digits <= 9) {
-    int32_t n = 0;
-    size_t i = negative ? 1 : 0;
-    for (; i < text.size(); ++i) {
-      const unsigned d = static_cast<unsigned char>(text[i]) - '0';
-      if (d > 9) break;
-      n = n * 10 + static_cast<int32_t>(d);
-    }
-    if (i == text.size()) {
-      value = negative ? -n : n;
-      return true;
-    }
-  }
-  return ToLong(text, value);
+  return PlainDigitsToLong(text, value) || ToLong(text, value);
 }
 
 // Whole-line reading: the value after the label.

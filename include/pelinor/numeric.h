@@ -41,6 +41,24 @@ bool ToSingle(std::string_view s, float& out);
 // rounded value lies outside the 32-bit range.
 bool ToLong(std::string_view s, int32_t& out);
 
+// PlainDigitsToLong()
+//
+// ToLong() for the common case of stored files, up to nine digits after
+// an optional '-', converted exactly and inline; false, leaving `out`
+// untouched, for any other text (which ToLong() may still accept).
+inline bool PlainDigitsToLong(std::string_view s, int32_t& out) {
+  const size_t first = !s.empty() && s[0] == '-' ? 1 : 0;
+  if (s.size() == first || s.size() - first > 9) return false;
+  int32_t v = 0;
+  for (size_t i = first; i < s.size(); ++i) {
+    const unsigned d = static_cast<unsigned char>(s[i]) - '0';
+    if (d > 9) return false;
+    v = v * 10 + static_cast<int32_t>(d);
+  }
+  out = first == 0 ? v : -v;
+  return true;
+}
+
 // ToInteger()
 //
 // As ToLong() for the 16-bit range.
