@@ -197,13 +197,18 @@ void SpecProgram::ListPaths() {
 }
 
 bool SpecProgram::FixedAt(std::string_view text, size_t begin) const {
-  const size_t length = fixed_kinds_.size();
+  return FitsAt(text, begin, 0, fixed_kinds_.size());
+}
+
+bool SpecProgram::FitsAt(std::string_view text, size_t begin, size_t from,
+                         size_t to) const {
   const char* at = text.data() + begin;
-  for (size_t j = 0; j < length; ++j) {
+  for (size_t j = from; j < to; ++j) {
     const char kind = fixed_kinds_[j];
-    if (kind == kLit ? at[j] != fixed_literals_[j]
+    const char c = at[j - from];
+    if (kind == kLit ? c != fixed_literals_[j]
                      : !kAcceptTable.accepts[static_cast<size_t>(kind)]
-                                            [static_cast<uint8_t>(at[j])]) {
+                                            [static_cast<uint8_t>(c)]) {
       return false;
     }
   }
@@ -213,21 +218,6 @@ bool SpecProgram::FixedAt(std::string_view text, size_t begin) const {
 bool SpecProgram::RunListed(std::string_view text,
                             cMatchCollection& matches) const {
   const size_t n = text.size();
-  const char* kinds = fixed_kinds_.data();
-  const char* literals = fixed_literals_.data();
-  // Whether positions [from, to) accept the text from `begin` on.
-  const auto fits = [&](size_t begin, size_t from, size_t to) {
-    const char* at = text.data() + begin - from;
-    for (size_t j = from; j < to; ++j) {
-      const char kind = kinds[j];
-      if (kind == kLit ? at[j] != literals[j]
-                       : !kAcceptTable.accepts[static_cast<size_t>(kind)]
-                                              [static_cast<uint8_t>(at[j])]) {
-        return false;
-      }
-    }
-    return true;
-  };
   // The enumeration of Run(), with the first way through that fits at a
   // place as the search would find it.
   size_t pos = 0;
@@ -239,7 +229,7 @@ bool SpecProgram::RunListed(std::string_view text,
       size_t from = 0;
       for (const uint32_t to : listed_ends_) {
         length = to - from;
-        if (begin + length <= n && fits(begin, from, to)) {
+        if (begin + length <= n && FitsAt(text, begin, from, to)) {
           found = true;
           break;
         }

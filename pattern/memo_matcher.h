@@ -135,6 +135,11 @@ class SpecProgram {
   bool RunFixed(std::string_view text, cMatchCollection& matches) const;
   // True when the positions of a fixed program accept text[begin, ...).
   bool FixedAt(std::string_view text, size_t begin) const;
+  // Whether positions [from, to) of the stored shape (a fixed program's, or
+  // the listed shapes one after another) accept the text from `begin` on.
+  // REQUIRES: begin + (to - from) <= text.size().
+  bool FitsAt(std::string_view text, size_t begin, size_t from,
+              size_t to) const;
   // Run() for a listed program: at each place the first way through, in
   // priority order, whose shape the text fits there.
   bool RunListed(std::string_view text, cMatchCollection& matches) const;
