@@ -160,6 +160,7 @@ bool cFormat::FormatCurrencyValue(const std::string& value, std::string& out,
     if (!countryText.empty()) RemoveSubstring(work, countryText);
   } else {
     // The same removal, keeping where each remaining character came from.
+    origin.reserve(value.size());
     for (size_t i = 0; i < value.size(); ++i) {
       origin.push_back(static_cast<int32_t>(i + 1));
     }
