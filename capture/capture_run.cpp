@@ -168,6 +168,11 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
                    cCaptureReport& report) {
   // Validate() takes the log file name by non-const reference.
   std::string log = options.LogFile;
+  size_t values = static_cast<size_t>(doc.Fields.Count());
+  for (const auto& row : doc.LineData) {
+    if (row) values += static_cast<size_t>(row->colLineItemData.Count());
+  }
+  report.Values.reserve(values);
   for (const auto& f : doc.Fields) {
     if (!f) continue;
     cCaptureValue c;
