@@ -156,12 +156,13 @@ void Explain(cCaptureValue& c, int32_t type, DateFormat date_format,
   c.Steps = trace.TakeSteps();
 }
 
-// The pattern a cell is checked against: its line header's.
-std::string CellPattern(const cDocumentData& doc, const std::string& name) {
+// The line header of the cells named `name`; null when there is none.
+const cLineHdrType* CellHeader(const cDocumentData& doc,
+                               const std::string& name) {
   for (const auto& h : doc.LineHeaders) {
-    if (h && EqualsIgnoreCase(h->Name, name)) return h->Pattern;
+    if (h && EqualsIgnoreCase(h->Name, name)) return h.get();
   }
-  return "";
+  return nullptr;
 }
 
 void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
@@ -221,19 +222,18 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     bool row_invalid = false;
     for (const auto& cell : row->colLineItemData) {
       if (!cell) continue;
-      for (const auto& h : doc.LineHeaders) {
-        if (h && EqualsIgnoreCase(h->Name, cell->Name)) {
-          cell->DataType = h->DataType;
-          cell->Flags = h->DataFlags;
-          break;
-        }
+      // A cell takes its type, flags and pattern from its line header.
+      const cLineHdrType* header = CellHeader(doc, cell->Name);
+      if (header != nullptr) {
+        cell->DataType = header->DataType;
+        cell->Flags = header->DataFlags;
       }
       cCaptureValue c;
       c.Name = "Line " + NumberText(line) + " " + cell->Name;
       c.Raw = cell->value;
       const bool was_valid =
           cell->Status == 0 || cell->Status == kCaptureReviewStatus;
-      const std::string pattern = CellPattern(doc, cell->Name);
+      const std::string pattern = header != nullptr ? header->Pattern : "";
       cRepairTrace trace;
       bool traced = false;
       if (!was_valid || options.Recheck) {
