@@ -131,22 +131,41 @@ bool Utf8ToWindows1252(std::string_view utf8, std::string& out,
   return ConvertUtf8(utf8, out, &loss);
 }
 
+void AppendUtf8(std::string& out, char32_t cp) {
+  if (cp < 0x80) {
+    out.push_back(static_cast<char>(cp));
+    return;
+  }
+  char bytes[4];
+  size_t n;
+  if (cp < 0x800) {
+    bytes[0] = static_cast<char>(0xC0 | (cp >> 6));
+    n = 2;
+  } else if (cp < 0x10000) {
+    bytes[0] = static_cast<char>(0xE0 | (cp >> 12));
+    n = 3;
+  } else {
+    bytes[0] = static_cast<char>(0xF0 | (cp >> 18));
+    n = 4;
+  }
+  for (size_t k = 1; k < n; ++k) {
+    bytes[k] = static_cast<char>(0x80 | ((cp >> (6 * (n - 1 - k))) & 0x3F));
+  }
+  out.append(bytes, n);
+}
+
 std::string Windows1252ToUtf8(std::string_view s) {
   std::string out;
   out.reserve(s.size() + s.size() / 8);
-  for (char ch : s) {
-    char32_t cp = CodePointOf(ch);
-    if (cp < 0x80) {
-      out.push_back(static_cast<char>(cp));
-    } else if (cp < 0x800) {
-      out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-    } else {
-      out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-    }
+  // Runs of ASCII, the common case, are copied whole.
+  size_t run = 0;
+  for (size_t i = 0; i < s.size(); ++i) {
+    if (static_cast<unsigned char>(s[i]) < 0x80) continue;
+    out.append(s.data() + run, i - run);
+    AppendUtf8(out, CodePointOf(s[i]));
+    run = i + 1;
   }
+  out.append(s.data() + run, s.size() - run);
   return out;
 }
 

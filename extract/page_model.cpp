@@ -338,21 +338,7 @@ std::string DecodeEntities(std::string_view s) {
       if (ec == std::errc() && p == digits.data() + digits.size() &&
           cp < 0x110000) {
         // Kept as UTF-8, like the text around it.
-        if (cp < 0x80) {
-          rep.push_back(static_cast<char>(cp));
-        } else if (cp < 0x800) {
-          rep.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-          rep.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else if (cp < 0x10000) {
-          rep.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-          rep.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-          rep.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else {
-          rep.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-          rep.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-          rep.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-          rep.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        }
+        AppendUtf8(rep, cp);
       }
     }
     if (rep.empty()) {

@@ -136,6 +136,12 @@ int Windows1252Of(char32_t code_point);
 // REQUIRES: i < s.size().
 size_t DecodeUtf8(std::string_view s, size_t i, char32_t& cp);
 
+// AppendUtf8()
+//
+// Appends the UTF-8 form of `code_point` to `out`.
+// REQUIRES: code_point < 0x110000.
+void AppendUtf8(std::string& out, char32_t code_point);
+
 // Utf8ToWindows1252()
 //
 // UTF-8 text (from people, OCR engines, PDF text layers) as Windows-1252.

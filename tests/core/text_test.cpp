@@ -118,5 +118,37 @@ TEST(Utf8ToWindows1252, ConvertsReplacesOrStopsAtTheFirstLoss) {
             "5\xC2\x81");
 }
 
+// Every byte, alone and between ASCII runs, comes back through UTF-8 as
+// itself, each as the code point the code page gives it.
+TEST(TextTest, Windows1252RoundTripsThroughUtf8) {
+  for (int b = 0; b < 256; ++b) {
+    const char c = static_cast<char>(b);
+    for (const std::string& text :
+         {std::string(1, c), "ab" + std::string(1, c) + "cd",
+          std::string(2, c) + "x"}) {
+      const std::string utf8 = Windows1252ToUtf8(text);
+      EXPECT_EQ(Utf8ToWindows1252(utf8), text) << b;
+      char32_t cp = 0;
+      const size_t at = text.find(c);
+      size_t i = 0;
+      for (size_t k = 0; k < at; ++k) i += DecodeUtf8(utf8, i, cp);
+      ASSERT_NE(DecodeUtf8(utf8, i, cp), 0u) << b;
+      EXPECT_EQ(cp, CodePointOf(c)) << b;
+    }
+  }
+}
+
+TEST(TextTest, AppendUtf8DecodesBackAtEveryLengthBoundary) {
+  for (char32_t cp : {0x0u, 0x7Fu, 0x80u, 0x7FFu, 0x800u, 0xFFFFu, 0x10000u,
+                      0x10FFFFu}) {
+    std::string out = "x";
+    AppendUtf8(out, cp);
+    char32_t back = 0;
+    const size_t len = DecodeUtf8(out, 1, back);
+    EXPECT_EQ(len, out.size() - 1) << static_cast<uint32_t>(cp);
+    EXPECT_EQ(back, cp) << static_cast<uint32_t>(cp);
+  }
+}
+
 }  // namespace
 }  // namespace pelinor
