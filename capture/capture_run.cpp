@@ -186,10 +186,10 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     const int32_t type = f->DataType();
     // Only a pattern type is checked against the pattern.
     const std::string pattern = IsPatternType(type) ? f->Pattern() : "";
-    std::shared_ptr<cFieldType> field_type;
     cRepairTrace trace;
     bool traced = false;
-    if (doc.Profile && !doc.Profile->FindField(f->Name, field_type)) {
+    if (doc.Profile && FindNamed(doc.Profile->FieldTypes, f->Name,
+                                 &cFieldType::Name) == nullptr) {
       f->Status = kCaptureInvalidStatus;
       f->StatusMessage = kUnknownFieldMessage;
     } else if (!was_valid || options.Recheck) {

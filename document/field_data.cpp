@@ -39,12 +39,37 @@ bool IsFixedLocation(int32_t loc) { return loc >= -5 && loc <= -2; }
 // Resolution
 // ---------------------------------------------------------------------------
 
-std::shared_ptr<cFieldType> cFieldData::FieldTypeRef() const {
-  std::shared_ptr<cFieldType> type;
-  auto doc = Document.lock();
-  if (doc && doc->Profile && doc->Profile->FindField(Name, type)) return type;
-  return nullptr;
+namespace {
+
+// The profile's field type and the template's zones named like a field,
+// valid while `doc` is held; either is null when missing. Found without
+// copying shared pointers: values resolve through here many times each.
+struct Resolved {
+  std::shared_ptr<cDocumentData> doc;
+  const cFieldType* type = nullptr;
+  const cExtractZones* zones = nullptr;
+};
+
+enum Wanted { kType = 1, kZones = 2 };
+
+Resolved Resolve(const cFieldData& f, int wanted) {
+  Resolved r;
+  r.doc = f.Document.lock();
+  if (!r.doc) return r;
+  if ((wanted & kType) != 0 && r.doc->Profile) {
+    const auto* t =
+        FindNamed(r.doc->Profile->FieldTypes, f.Name, &cFieldType::Name);
+    if (t != nullptr) r.type = t->get();
+  }
+  if ((wanted & kZones) != 0 && r.doc->Template) {
+    const auto* z = FindNamed(r.doc->Template->FieldZoneRefs, f.Name,
+                              &cExtractZones::FieldName);
+    if (z != nullptr) r.zones = z->get();
+  }
+  return r;
 }
+
+}  // namespace
 
 std::shared_ptr<cExtractZones> cFieldData::ExtractionZonesRef() const {
   std::shared_ptr<cExtractZones> zones;
@@ -56,64 +81,62 @@ std::shared_ptr<cExtractZones> cFieldData::ExtractionZonesRef() const {
 }
 
 int32_t cFieldData::TemplateDataType() const {
-  auto z = ExtractionZonesRef();
-  return z ? z->DataTypeOverride : kNoOverride;
+  const Resolved r = Resolve(*this, kZones);
+  return r.zones ? r.zones->DataTypeOverride : kNoOverride;
 }
 int32_t cFieldData::TemplateDataLocation() const {
-  auto z = ExtractionZonesRef();
-  return z ? z->DataLocationOverride : kNoOverride;
+  const Resolved r = Resolve(*this, kZones);
+  return r.zones ? r.zones->DataLocationOverride : kNoOverride;
 }
 int32_t cFieldData::TemplatePtnMode() const {
-  auto z = ExtractionZonesRef();
-  return z ? z->PatternModeOverride : kNoOverride;
+  const Resolved r = Resolve(*this, kZones);
+  return r.zones ? r.zones->PatternModeOverride : kNoOverride;
 }
 std::string cFieldData::TemplatePattern() const {
-  auto z = ExtractionZonesRef();
-  return z ? z->PatternOverride : std::string(kUseDefaultProperty);
+  const Resolved r = Resolve(*this, kZones);
+  return r.zones ? r.zones->PatternOverride : std::string(kUseDefaultProperty);
 }
 int32_t cFieldData::ProfileDataType() const {
-  auto t = FieldTypeRef();
-  return t ? t->DataType : 0;
+  const Resolved r = Resolve(*this, kType);
+  return r.type ? r.type->DataType : 0;
 }
 int32_t cFieldData::ProfileDataLocation() const {
-  auto t = FieldTypeRef();
-  return t ? t->DataLocation : 0;
+  const Resolved r = Resolve(*this, kType);
+  return r.type ? r.type->DataLocation : 0;
 }
 int32_t cFieldData::ProfilePtnMode() const {
-  auto t = FieldTypeRef();
-  return t ? t->PtnMode : 0;
+  const Resolved r = Resolve(*this, kType);
+  return r.type ? r.type->PtnMode : 0;
 }
 std::string cFieldData::ProfilePattern() const {
-  auto t = FieldTypeRef();
-  return t ? t->Pattern : std::string();
+  const Resolved r = Resolve(*this, kType);
+  return r.type ? r.type->Pattern : std::string();
 }
 
 std::string cFieldData::GetDefault() const {
-  auto t = FieldTypeRef();
-  return t ? t->Default : std::string();
+  const Resolved r = Resolve(*this, kType);
+  return r.type ? r.type->Default : std::string();
 }
 
 int32_t cFieldData::DefaultDataType() const {
-  auto type = FieldTypeRef();
-  if (!type) return 0;
-  auto zones = ExtractionZonesRef();
-  if (zones && zones->DataTypeOverride != kNoOverride &&
-      DataTypesCompatible(type->DataType, zones->DataTypeOverride)) {
-    return zones->DataTypeOverride;
+  const Resolved r = Resolve(*this, kType | kZones);
+  if (!r.type) return 0;
+  if (r.zones && r.zones->DataTypeOverride != kNoOverride &&
+      DataTypesCompatible(r.type->DataType, r.zones->DataTypeOverride)) {
+    return r.zones->DataTypeOverride;
   }
-  return type->DataType;
+  return r.type->DataType;
 }
 
 int32_t cFieldData::DefaultDataLocation() const {
-  auto type = FieldTypeRef();
-  if (!type) return 0;
-  auto zones = ExtractionZonesRef();
-  if (zones && zones->DataLocationOverride != kNoOverride &&
-      !IsFixedLocation(type->DataLocation) &&
-      !IsFixedLocation(zones->DataLocationOverride)) {
-    return zones->DataLocationOverride;
+  const Resolved r = Resolve(*this, kType | kZones);
+  if (!r.type) return 0;
+  if (r.zones && r.zones->DataLocationOverride != kNoOverride &&
+      !IsFixedLocation(r.type->DataLocation) &&
+      !IsFixedLocation(r.zones->DataLocationOverride)) {
+    return r.zones->DataLocationOverride;
   }
-  return type->DataLocation;
+  return r.type->DataLocation;
 }
 
 int32_t cFieldData::DataType() const {
@@ -125,9 +148,11 @@ int32_t cFieldData::DataLocation() const {
 }
 
 std::string cFieldData::Pattern() const {
-  std::string pattern = TemplatePattern();
-  if (pattern == kUseDefaultProperty) return ProfilePattern();
-  return pattern;
+  const Resolved r = Resolve(*this, kType | kZones);
+  if (r.zones && r.zones->PatternOverride != kUseDefaultProperty) {
+    return r.zones->PatternOverride;
+  }
+  return r.type ? r.type->Pattern : std::string();
 }
 
 // ---------------------------------------------------------------------------

@@ -59,13 +59,10 @@ std::string cProfile::ReadSetting(const std::string& FileName,
 
 bool cProfile::FindField(const std::string& strFieldName,
                          std::shared_ptr<cFieldType>& FieldType) const {
-  for (const auto& field : FieldTypes) {
-    if (field != nullptr && EqualsIgnoreCase(field->Name, strFieldName)) {
-      FieldType = field;
-      return true;
-    }
-  }
-  return false;
+  const auto* field = FindNamed(FieldTypes, strFieldName, &cFieldType::Name);
+  if (field == nullptr) return false;
+  FieldType = *field;
+  return true;
 }
 
 bool cProfile::FindLineItemHdr(const std::string& strLineHdrName,

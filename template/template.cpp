@@ -16,13 +16,10 @@ template <typename T>
 bool FindByName(const Collection<std::shared_ptr<T>>& items,
                 const std::string& name, std::string T::*field,
                 std::shared_ptr<T>& found) {
-  for (const auto& item : items) {
-    if (item != nullptr && EqualsIgnoreCase((*item).*field, name)) {
-      found = item;
-      return true;
-    }
-  }
-  return false;
+  const std::shared_ptr<T>* item = FindNamed(items, name, field);
+  if (item == nullptr) return false;
+  found = *item;
+  return true;
 }
 
 template <typename T>

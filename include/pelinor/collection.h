@@ -167,6 +167,24 @@ auto CopyEach(const Collection<std::shared_ptr<T>>& items, Make make) {
   return out;
 }
 
+// FindNamed()
+//
+// The first non-empty item of `items` whose text member `name_of` equals
+// `name` ignoring case, or null. The pointer is to the collection's own
+// element: valid while the collection is not changed, and no reference
+// count is touched to find it.
+template <typename T>
+const std::shared_ptr<T>* FindNamed(const Collection<std::shared_ptr<T>>& items,
+                                    std::string_view name,
+                                    std::string T::*name_of) {
+  for (const auto& item : items) {
+    if (item != nullptr && EqualsIgnoreCase((*item).*name_of, name)) {
+      return &item;
+    }
+  }
+  return nullptr;
+}
+
 // ClearCollection()
 //
 // Removes the items of `c` one by one from the last to the first.

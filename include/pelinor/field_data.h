@@ -171,7 +171,6 @@ class cFieldData {
                               const std::string& strVer);
 
  private:
-  std::shared_ptr<cFieldType> FieldTypeRef() const;
   void WriteRecords(const char* prefix, int32_t TagIdx, TextWriter& hFile,
                     bool value_lines, bool status_lines, bool type_line) const;
   bool ReadRecords(TextReader& hFile, std::string& strErrMsg,

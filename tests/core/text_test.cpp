@@ -139,8 +139,8 @@ TEST(TextTest, Windows1252RoundTripsThroughUtf8) {
 }
 
 TEST(TextTest, AppendUtf8DecodesBackAtEveryLengthBoundary) {
-  for (char32_t cp : {0x0u, 0x7Fu, 0x80u, 0x7FFu, 0x800u, 0xFFFFu, 0x10000u,
-                      0x10FFFFu}) {
+  for (char32_t cp :
+       {0x0u, 0x7Fu, 0x80u, 0x7FFu, 0x800u, 0xFFFFu, 0x10000u, 0x10FFFFu}) {
     std::string out = "x";
     AppendUtf8(out, cp);
     char32_t back = 0;
