@@ -615,29 +615,30 @@ void TextWriter::WriteLineParts(std::initializer_list<LinePart> parts) {
     Fail(EBADF);
     return;
   }
-  // Each part is written in place, with room made for its longest form
-  // (and the line end) first.
+  // Room for the longest form of every part and the line end is made once;
+  // each part is then written in place.
   constexpr size_t kNumberMax = 20;  // "-9223372036854775808"
+  size_t most = 2;
+  for (const LinePart& part : parts) {
+    most += part.is_number_ ? kNumberMax : part.text_.size();
+  }
+  Reserve(most);
+  char* p = buffer_.get() + used_;
   for (const LinePart& part : parts) {
     if (part.is_number_) {
-      Reserve(kNumberMax + 2);
-      char* p = buffer_.get() + used_;
       if (part.number_ >= 0 && part.number_ < 10) {
         *p++ = static_cast<char>('0' + part.number_);
       } else {
         p = std::to_chars(p, p + kNumberMax, part.number_).ptr;
       }
-      used_ = static_cast<size_t>(p - buffer_.get());
-    } else {
-      const size_t n = part.text_.size();
-      Reserve(n + 2);
-      if (n != 0) std::memcpy(buffer_.get() + used_, part.text_.data(), n);
-      used_ += n;
+    } else if (!part.text_.empty()) {
+      std::memcpy(p, part.text_.data(), part.text_.size());
+      p += part.text_.size();
     }
   }
-  Reserve(2);
-  buffer_[used_++] = '\r';
-  buffer_[used_++] = '\n';
+  *p++ = '\r';
+  *p++ = '\n';
+  used_ = static_cast<size_t>(p - buffer_.get());
   if (used_ >= kFlushSize) Flush();
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 #include "pelinor/log.h"
@@ -45,6 +46,11 @@ constexpr Rule kRules[] = {
     {"two-digit-year", RiskClass::kGuess},
     {"whole-units", RiskClass::kGuess},
 };
+// Looked up by binary search.
+static_assert(std::is_sorted(std::begin(kRules), std::end(kRules),
+                             [](const Rule& a, const Rule& b) {
+                               return a.code < b.code;
+                             }));
 
 }  // namespace
 
@@ -62,10 +68,11 @@ std::string_view RiskClassName(RiskClass risk) {
 }
 
 RiskClass RuleRisk(std::string_view code) {
-  for (const Rule& r : kRules) {
-    if (r.code == code) return r.risk;
-  }
-  return RiskClass::kGuess;
+  const auto it = std::lower_bound(
+      std::begin(kRules), std::end(kRules), code,
+      [](const Rule& r, std::string_view c) { return r.code < c; });
+  return it != std::end(kRules) && it->code == code ? it->risk
+                                                    : RiskClass::kGuess;
 }
 
 void cRepairTrace::Add(std::string_view code, std::string sentence,
@@ -78,6 +85,9 @@ void cRepairTrace::Add(std::string_view code, std::string sentence,
 void cRepairTrace::AddWithRisk(std::string_view code, RiskClass risk,
                                std::string sentence, int32_t position,
                                std::string before, std::string after) {
+  // Most values take a step or two; room for a few spares the moves of
+  // growing one by one.
+  if (steps_.empty()) steps_.reserve(4);
   steps_.push_back(cRepairStep{std::string(code), std::move(sentence), position,
                                std::move(before), std::move(after), risk});
 }

@@ -290,7 +290,15 @@ TEST(RepairTrace, ClassesAndSentencesSummariseTheSteps) {
                {"pattern-variation", RiskClass::kRepair},
                {"two-digit-year", RiskClass::kGuess},
                {"day-month-order", RiskClass::kGuess},
-               {"no-such-rule", RiskClass::kGuess}};
+               {"no-such-rule", RiskClass::kGuess},
+               // The first and last codes, and codes around and between.
+               {"bias-digit", RiskClass::kRepair},
+               {"whole-units", RiskClass::kGuess},
+               {"case-changed", RiskClass::kCosmetic},
+               {"bias", RiskClass::kGuess},
+               {"sign-moved-", RiskClass::kGuess},
+               {"", RiskClass::kGuess},
+               {"zz", RiskClass::kGuess}};
   for (const auto& r : rules) {
     SCOPED_TRACE(r.rule);
     EXPECT_EQ(RuleRisk(r.rule), r.risk);
