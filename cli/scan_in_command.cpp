@@ -68,6 +68,7 @@ void Run(const Options& opts) {
                           {"fields", r.Fields},
                           {"rows", r.Rows},
                           {"queued", r.Queued},
+                          {"already_queued", r.AlreadyQueued},
                           {"error", Json(r.Error)}});
           return;
         }
@@ -78,9 +79,14 @@ void Run(const Options& opts) {
         std::string line = r.DocId + ": " + PageList(r.Pages) + ", ";
         line += r.Template.empty() ? std::string("no template")
                                    : "template " + r.Template;
-        line += ", " + NumberText(r.Fields) + " fields, " + NumberText(r.Rows) +
-                " line items";
-        if (!r.Queued) line += " (not queued: " + r.Error + ")";
+        if (r.AlreadyQueued) {
+          // Nothing was read for it: counts would say the page is empty.
+          line += ", already queued (left as it is)";
+        } else {
+          line += ", " + NumberText(r.Fields) + " fields, " +
+                  NumberText(r.Rows) + " line items";
+          if (!r.Queued) line += " (not queued: " + r.Error + ")";
+        }
         PrintLine(line);
       },
       err);

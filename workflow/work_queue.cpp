@@ -379,6 +379,8 @@ bool cWorkQueue::ScanIn(const std::vector<std::string>& batches,
       r.DocId = stem + num;
       for (int32_t p : bd.Pages) r.Pages.push_back(p + 1);
       if (FileExists(StatusFile(r.DocId))) {
+        if (bd.Identified) r.Template = StemOf(bd.Match.File);
+        r.AlreadyQueued = true;
         r.Error = "already queued";
         if (each) each(r);
         continue;

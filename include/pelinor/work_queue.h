@@ -65,10 +65,13 @@ struct cScanInResult {
   std::string DocId;           // "" when the batch could not be read
   std::vector<int32_t> Pages;  // one-based pages of the batch
   std::string Template;        // template name, "" when unidentified
-  int32_t Fields = 0;          // fields with a value
-  int32_t Rows = 0;            // line items
+  int32_t Fields = 0;          // fields with a value (0 when not read)
+  int32_t Rows = 0;            // line items (0 when not read)
   bool Queued = false;         // false: already queued, or an error
-  std::string Error;           // why it was not queued
+  // Queued by an earlier scan (its status file exists): left as it is and
+  // nothing read for it; Error is "already queued".
+  bool AlreadyQueued = false;
+  std::string Error;  // why it was not queued
 };
 
 // One document a worker handled.

@@ -308,11 +308,18 @@ TEST(WorkQueue, ScanningTheSameBatchAgainQueuesNothingTwice) {
   ASSERT_TRUE(q->ScanIn({batch}, {}, nullptr, err)) << err;
   const std::string queue_bytes = ReadFile(q->QueueFile());
   const std::string tag_bytes = ReadFile(q->TagFile("b-0001"));
-  int32_t queued = 0;
+  std::vector<cScanInResult> again;
   ASSERT_TRUE(q->ScanIn(
-      {batch}, {}, [&](const cScanInResult& r) { queued += r.Queued; }, err))
+      {batch}, {}, [&](const cScanInResult& r) { again.push_back(r); }, err))
       << err;
-  EXPECT_EQ(queued, 0);
+  ASSERT_EQ(again.size(), 4u);
+  for (const cScanInResult& r : again) {
+    SCOPED_TRACE(r.DocId);
+    EXPECT_FALSE(r.Queued);
+    EXPECT_TRUE(r.AlreadyQueued);
+    // The page is still recognised; it is only not read again.
+    EXPECT_EQ(r.Template, "Acme");
+  }
   EXPECT_EQ(ReadFile(q->QueueFile()), queue_bytes);
   EXPECT_EQ(ReadFile(q->TagFile("b-0001")), tag_bytes);
 }
