@@ -379,108 +379,103 @@ bool cFormat::ScanCurrency(const std::string& value, std::string& out,
   return ok;
 }
 
-bool cFormat::FormatNumeric(const std::string& value, std::string& out,
-                            int32_t code, cRepairTrace* trace) const {
-  if (trace == nullptr) {
-    // The same reading without a trace, kept apart so that it costs
-    // nothing extra.
-    const char separator = code == 300 ? ',' : '.';
-    // Built from the right, so the right-most separator is the decimal
-    // point; collected reversed and turned round once at the end.
-    std::string result;
-    result.reserve(value.size());
-    bool pointPlaced = false;
-    for (auto it = value.rbegin(); it != value.rend(); ++it) {
-      const char c = *it;
-      if (IsDigit(c) || c == '-') {
-        result += c;
-      } else if (c == separator) {
-        if (!pointPlaced) {
-          result += '.';
-          pointPlaced = true;
-        }
-      } else {
-        const char biased = BiasCharToNumber(c);
-        if (IsDigit(biased)) result += biased;
-      }
-    }
-    std::reverse(result.begin(), result.end());
-    ApplySign(result);
-    if (result.empty() || result == "-" || result.back() == '.') return false;
-    // Only a changed value has repair steps; the format log, checked only
-    // then, gets them from the traced reading.
-    if (result != value && FormatLogWanted()) {
-      cRepairTrace steps;
-      return FormatNumeric(value, out, code, &steps);
-    }
-    out = result;
-    return true;
-  }
-  // The traced reading: the same result, with every step recorded.
-  cRepairTrace* t = trace;
-  const size_t first = t != nullptr ? t->Size() : 0;
-  const char separator = code == 300 ? ',' : '.';
-  // Built from the right, so the right-most separator is the decimal point;
-  // collected reversed and turned round once at the end.
-  std::string result;
+namespace {
+
+// Reads `value` as a number whose decimal separator is `separator` into
+// `result`, from the right, so that the right-most separator is the
+// decimal point; other separators, currency signs and stray characters are
+// dropped and look-alikes read as digits. With kTraced every step goes to
+// `t`; without, every tracing branch is compiled out. False when no number
+// is left.
+template <bool kTraced>
+bool ReadNumeric(const std::string& value, char separator, std::string& result,
+                 cRepairTrace* t) {
+  const size_t first = kTraced ? t->Size() : 0;
+  // Collected reversed and turned round once at the end.
+  result.clear();
   result.reserve(value.size());
   bool pointPlaced = false;
   size_t separators = 0;
   int32_t firstSeparator = 0;
   for (size_t k = value.size(); k-- > 0;) {
     const char c = value[k];
+    const auto position = static_cast<int32_t>(k + 1);
     if (IsDigit(c) || c == '-') {
       result += c;
     } else if (c == separator) {
       if (!pointPlaced) {
         result += '.';
         pointPlaced = true;
-        if (t != nullptr && c == ',') {
-          t->Add("decimal-comma",
-                 "decimal comma at position " + std::to_string(k + 1) +
-                     " read as a point",
-                 static_cast<int32_t>(k + 1), ",", ".");
+        if constexpr (kTraced) {
+          if (c == ',') {
+            t->Add("decimal-comma",
+                   "decimal comma at position " + std::to_string(k + 1) +
+                       " read as a point",
+                   position, ",", ".");
+          }
         }
-      } else if (t != nullptr) {
+      } else if constexpr (kTraced) {
         ++separators;
-        firstSeparator = static_cast<int32_t>(k + 1);
+        firstSeparator = position;
       }
     } else {
       const char biased = BiasCharToNumber(c);
       if (IsDigit(biased)) {
         result += biased;
-        if (t != nullptr)
-          TraceBias(t, value, k, biased, static_cast<int32_t>(k + 1));
-      } else if (t != nullptr) {
+        if constexpr (kTraced) TraceBias(t, value, k, biased, position);
+      } else if constexpr (kTraced) {
         if (c == ' ' || c == ',' || c == '.' || c == '\'') {
           ++separators;
-          firstSeparator = static_cast<int32_t>(k + 1);
+          firstSeparator = position;
         } else if (IsCurrencySign(c)) {
           t->Add("currency-skipped",
                  Quoted(c) + " skipped at position " + std::to_string(k + 1),
-                 static_cast<int32_t>(k + 1), std::string(1, c), "");
+                 position, std::string(1, c), "");
         } else {
           t->Add("char-dropped",
                  Quoted(c) + " dropped at position " + std::to_string(k + 1),
-                 static_cast<int32_t>(k + 1), std::string(1, c), "");
+                 position, std::string(1, c), "");
         }
       }
     }
   }
   std::reverse(result.begin(), result.end());
-  if (t != nullptr) t->Reverse(first);
-  if (t != nullptr && separators > 0) {
-    t->Add("separator-dropped",
-           std::to_string(separators) +
-               (separators == 1 ? " separator" : " separators") + " removed",
-           firstSeparator, "", "");
+  if constexpr (kTraced) {
+    t->Reverse(first);
+    if (separators > 0) {
+      t->Add("separator-dropped",
+             std::to_string(separators) +
+                 (separators == 1 ? " separator" : " separators") + " removed",
+             firstSeparator, "", "");
+    }
+    TraceSign(t, result);
   }
-  TraceSign(t, result);
   ApplySign(result);
-  const bool ok = !(result.empty() || result == "-" || result.back() == '.');
-  if (ok) out = result;
-  if (ok) LogRepairSteps(*t, first);
-  return ok;
+  return !(result.empty() || result == "-" || result.back() == '.');
+}
+
+}  // namespace
+
+bool cFormat::FormatNumeric(const std::string& value, std::string& out,
+                            int32_t code, cRepairTrace* trace) const {
+  const char separator = code == 300 ? ',' : '.';
+  std::string result;
+  if (trace == nullptr) {
+    if (!ReadNumeric<false>(value, separator, result, nullptr)) return false;
+    // Only a changed value has repair steps; the format log, checked only
+    // then, gets them from the traced reading.
+    if (result != value && FormatLogWanted()) {
+      cRepairTrace steps;
+      return FormatNumeric(value, out, code, &steps);
+    }
+    out = std::move(result);
+    return true;
+  }
+  const size_t first = trace->Size();
+  if (!ReadNumeric<true>(value, separator, result, trace)) return false;
+  out = std::move(result);
+  LogRepairSteps(*trace, first);
+  return true;
 }
 
 std::string cFormat::FormatDescr(int32_t code) const {
