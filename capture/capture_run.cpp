@@ -156,6 +156,18 @@ void Explain(cCaptureValue& c, int32_t type, DateFormat date_format,
   c.Steps = trace.TakeSteps();
 }
 
+// Holds a field's resolution pinned while it lives.
+class PinnedResolution {
+ public:
+  explicit PinnedResolution(cFieldData& f) : f_(f) { f_.PinResolution(); }
+  ~PinnedResolution() { f_.UnpinResolution(); }
+  PinnedResolution(const PinnedResolution&) = delete;
+  PinnedResolution& operator=(const PinnedResolution&) = delete;
+
+ private:
+  cFieldData& f_;
+};
+
 // The line header of the cells named `name`; null when there is none.
 const cLineHdrType* CellHeader(const cDocumentData& doc,
                                const std::string& name) {
@@ -182,7 +194,8 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     // A value to check was cleaned already: it is in its stored form.
     const bool was_valid = f->Status == 0 || f->Status == kCaptureReviewStatus;
     // Type and pattern resolve over field, template and profile, which the
-    // check leaves as they are: resolved once.
+    // check leaves as they are: resolved once for all its steps.
+    const PinnedResolution pinned(*f);
     const int32_t type = f->DataType();
     // Only a pattern type is checked against the pattern.
     const std::string pattern = IsPatternType(type) ? f->Pattern() : "";
@@ -193,16 +206,11 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
       f->Status = kCaptureInvalidStatus;
       f->StatusMessage = kUnknownFieldMessage;
     } else if (!was_valid || options.Recheck) {
-      // Each step of the check would resolve the type again; it is held on
-      // the field meanwhile and the stored one put back after.
-      const int32_t explicit_type = f->ExplicitDataType();
-      f->DataType(type);
       CheckValue(
           f->value, c.Raw, type, pattern, was_valid,
           [&] { return f->Validate(log); },
           [&](cRepairTrace* steps) { f->FormatDataValue(steps); }, f->Status,
           f->StatusMessage, trace, traced);
-      f->DataType(explicit_type);
     }
     c.Result = f->value;
     Explain(

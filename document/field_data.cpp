@@ -118,14 +118,30 @@ std::string cFieldData::GetDefault() const {
   return r.type ? r.type->Default : std::string();
 }
 
-int32_t cFieldData::DefaultDataType() const {
-  const Resolved r = Resolve(*this, kType | kZones);
+namespace {
+
+int32_t DefaultTypeOf(const Resolved& r) {
   if (!r.type) return 0;
   if (r.zones && r.zones->DataTypeOverride != kNoOverride &&
       DataTypesCompatible(r.type->DataType, r.zones->DataTypeOverride)) {
     return r.zones->DataTypeOverride;
   }
   return r.type->DataType;
+}
+
+const std::string& PatternOf(const Resolved& r) {
+  static const std::string kNone;
+  if (r.zones && r.zones->PatternOverride != kUseDefaultProperty) {
+    return r.zones->PatternOverride;
+  }
+  return r.type ? r.type->Pattern : kNone;
+}
+
+}  // namespace
+
+int32_t cFieldData::DefaultDataType() const {
+  if (pin_.on) return pin_.default_type;
+  return DefaultTypeOf(Resolve(*this, kType | kZones));
 }
 
 int32_t cFieldData::DefaultDataLocation() const {
@@ -147,12 +163,16 @@ int32_t cFieldData::DataLocation() const {
   return data_location_ != 0 ? data_location_ : DefaultDataLocation();
 }
 
-std::string cFieldData::Pattern() const {
+void cFieldData::PinResolution() {
   const Resolved r = Resolve(*this, kType | kZones);
-  if (r.zones && r.zones->PatternOverride != kUseDefaultProperty) {
-    return r.zones->PatternOverride;
-  }
-  return r.type ? r.type->Pattern : std::string();
+  pin_.default_type = DefaultTypeOf(r);
+  pin_.pattern = PatternOf(r);
+  pin_.on = true;
+}
+
+std::string cFieldData::Pattern() const {
+  if (pin_.on) return pin_.pattern;
+  return PatternOf(Resolve(*this, kType | kZones));
 }
 
 // ---------------------------------------------------------------------------

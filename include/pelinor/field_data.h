@@ -107,6 +107,17 @@ class cFieldData {
   // profile pattern.
   std::string Pattern() const;
 
+  // PinResolution()
+  // UnpinResolution()
+  //
+  // While pinned, DataType(), DefaultDataType() and Pattern() answer what
+  // they resolved to when pinned, without looking at the profile and the
+  // template again: for a caller that checks and cleans the value in
+  // several steps while neither changes. Setting DataType() while pinned
+  // is seen at once. A copy of the field is not pinned.
+  void PinResolution();
+  void UnpinResolution() { pin_.on = false; }
+
   // Validate()
   //
   // Checks `value` for the resolved data type. Pattern types remove the
@@ -179,6 +190,20 @@ class cFieldData {
 
   int32_t data_type_ = 0;
   int32_t data_location_ = 0;
+
+  // What PinResolution() found.
+  struct Pin {
+    bool on = false;
+    int32_t default_type = 0;  // DefaultDataType()
+    std::string pattern;       // Pattern()
+    Pin() = default;
+    Pin(const Pin&) {}
+    Pin& operator=(const Pin&) {
+      on = false;
+      return *this;
+    }
+  };
+  Pin pin_;
 };
 
 // DataTypesCompatible()

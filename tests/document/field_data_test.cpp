@@ -63,6 +63,29 @@ TEST(FieldData, ResolvesDataTypeOverFieldTemplateAndProfile) {
   }
 }
 
+TEST(FieldData, PinnedResolutionHoldsUntilUnpinned) {
+  FieldWorld s(4, 1, 200);
+  s.type->Pattern = "000";
+  s.field->PinResolution();
+  // Profile and template change under the pinned field.
+  s.type->DataType = 2;
+  s.zones->DataTypeOverride = 300;
+  s.zones->PatternOverride = "LL";
+  EXPECT_EQ(s.field->DataType(), 200);
+  EXPECT_EQ(s.field->DefaultDataType(), 200);
+  EXPECT_EQ(s.field->Pattern(), "000");
+  // An explicit type set meanwhile is seen at once.
+  s.field->DataType(5);
+  EXPECT_EQ(s.field->DataType(), 5);
+  s.field->DataType(0);
+  // A copy resolves for itself.
+  cFieldData copy = *s.field;
+  EXPECT_EQ(copy.Pattern(), "LL");
+  s.field->UnpinResolution();
+  EXPECT_EQ(s.field->DataType(), 300);
+  EXPECT_EQ(s.field->Pattern(), "LL");
+}
+
 TEST(FieldData, ResolvesDataLocationKeepingFixedLocations) {
   struct Case {
     int32_t profile, tpl, expected;
