@@ -49,21 +49,15 @@ struct Options {
 
 // What the Change column shows: "-" for a value left as it was, else the
 // highest class of the steps that changed it.
-std::string ChangeText(const cCaptureValue& c) {
+std::string_view ChangeText(const cCaptureValue& c) {
   if (!c.Changed) return "-";
   const std::string_view risk = RiskClassName(c.Risk);
-  return risk.empty() ? "changed" : std::string(risk);
+  return risk.empty() ? "changed" : risk;
 }
 
-std::string StatusText(const cCaptureValue& c) {
-  if (c.Status == 0) return "ok";
-  if (c.Status == kCaptureReviewStatus) return c.Message;
-  return "FAIL: " + c.Message;
-}
-
+// The document's line and its table, built whole and written at once.
 void PrintTable(const cCaptureFileResult& r) {
   const cCaptureReport& report = r.Report;
-  const char* heads[] = {"Field", "Raw value", "Result", "Change", "Status"};
   size_t w[4] = {5, 9, 6, 6};
   for (const cCaptureValue& c : report.Values) {
     w[0] = std::max(w[0], c.Name.size());
@@ -71,21 +65,38 @@ void PrintTable(const cCaptureFileResult& r) {
     w[2] = std::max(w[2], c.Result.size());
     w[3] = std::max(w[3], ChangeText(c).size());
   }
-  auto pad = [](const std::string& s, size_t n) {
-    return s + std::string(n > s.size() ? n - s.size() : 0, ' ');
-  };
-  PrintLine(r.File + ": " +
-            (report.Status == 0 ? std::string("valid")
-                                : "status " + NumberText(report.Status) + ", " +
-                                      report.Message));
-  PrintLine("  " + pad(heads[0], w[0]) + "  " + pad(heads[1], w[1]) + "  " +
-            pad(heads[2], w[2]) + "  " + pad(heads[3], w[3]) + "  " + heads[4]);
-  for (const cCaptureValue& c : report.Values) {
-    PrintLine("  " + pad(c.Name, w[0]) + "  " + pad(c.Raw, w[1]) + "  " +
-              pad(c.Result, w[2]) + "  " + pad(ChangeText(c), w[3]) + "  " +
-              StatusText(c));
+  std::string text = r.File + ": ";
+  if (report.Status == 0) {
+    text += "valid";
+  } else {
+    text += "status " + NumberText(report.Status) + ", " + report.Message;
   }
-  PrintLine("");
+  const auto row = [&text, &w](std::string_view name, std::string_view raw,
+                               std::string_view result,
+                               std::string_view change) {
+    text += "\n";
+    for (const auto& [cell, width] :
+         {std::pair{name, w[0]}, {raw, w[1]}, {result, w[2]}, {change, w[3]}}) {
+      text += "  ";
+      text += cell;
+      if (width > cell.size()) text.append(width - cell.size(), ' ');
+    }
+    text += "  ";
+  };
+  row("Field", "Raw value", "Result", "Change");
+  text += "Status";
+  for (const cCaptureValue& c : report.Values) {
+    row(c.Name, c.Raw, c.Result, ChangeText(c));
+    if (c.Status == 0) {
+      text += "ok";
+    } else {
+      if (c.Status != kCaptureReviewStatus) text += "FAIL: ";
+      text += c.Message;
+    }
+  }
+  // A blank line after each table.
+  text += "\n";
+  PrintLine(text);
 }
 
 // The JSON object of one document (keys in lower case).
