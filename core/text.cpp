@@ -1,6 +1,8 @@
 #include "pelinor/text.h"
 
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace pelinor {
 namespace {
@@ -157,13 +159,25 @@ void AppendUtf8(std::string& out, char32_t cp) {
 std::string Windows1252ToUtf8(std::string_view s) {
   std::string out;
   out.reserve(s.size() + s.size() / 8);
-  // Runs of ASCII, the common case, are copied whole.
+  // Runs of ASCII, the common case, are found eight bytes at a time and
+  // copied whole.
   size_t run = 0;
-  for (size_t i = 0; i < s.size(); ++i) {
-    if (static_cast<unsigned char>(s[i]) < 0x80) continue;
-    out.append(s.data() + run, i - run);
-    AppendUtf8(out, CodePointOf(s[i]));
-    run = i + 1;
+  size_t i = 0;
+  while (i < s.size()) {
+    uint64_t word;
+    if (i + sizeof word <= s.size()) {
+      std::memcpy(&word, s.data() + i, sizeof word);
+      if ((word & 0x8080808080808080ull) == 0) {
+        i += sizeof word;
+        continue;
+      }
+    }
+    if (static_cast<unsigned char>(s[i]) >= 0x80) {
+      out.append(s.data() + run, i - run);
+      AppendUtf8(out, CodePointOf(s[i]));
+      run = i + 1;
+    }
+    ++i;
   }
   out.append(s.data() + run, s.size() - run);
   return out;

@@ -123,9 +123,11 @@ TEST(Utf8ToWindows1252, ConvertsReplacesOrStopsAtTheFirstLoss) {
 TEST(TextTest, Windows1252RoundTripsThroughUtf8) {
   for (int b = 0; b < 256; ++b) {
     const char c = static_cast<char>(b);
+    // Also past the first eight bytes, which are looked at together.
     for (const std::string& text :
          {std::string(1, c), "ab" + std::string(1, c) + "cd",
-          std::string(2, c) + "x"}) {
+          std::string(2, c) + "x", std::string(9, '.') + c + "0123456789",
+          std::string(16, '-') + c}) {
       const std::string utf8 = Windows1252ToUtf8(text);
       EXPECT_EQ(Utf8ToWindows1252(utf8), text) << b;
       char32_t cp = 0;
