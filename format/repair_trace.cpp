@@ -88,8 +88,8 @@ void cRepairTrace::AddWithRisk(std::string_view code, RiskClass risk,
   // Most values take a step or two; room for a few spares the moves of
   // growing one by one.
   if (steps_.empty()) steps_.reserve(4);
-  steps_.push_back(cRepairStep{std::string(code), std::move(sentence), position,
-                               std::move(before), std::move(after), risk});
+  steps_.emplace_back(std::string(code), std::move(sentence), position,
+                      std::move(before), std::move(after), risk);
 }
 
 void cRepairTrace::Reverse(size_t from) {
