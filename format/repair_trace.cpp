@@ -88,8 +88,13 @@ void cRepairTrace::AddWithRisk(std::string_view code, RiskClass risk,
   // Most values take a step or two; room for a few spares the moves of
   // growing one by one.
   if (steps_.empty()) steps_.reserve(4);
-  steps_.emplace_back(std::string(code), std::move(sentence), position,
-                      std::move(before), std::move(after), risk);
+  cRepairStep& step = steps_.emplace_back();
+  step.Rule = code;
+  step.Sentence = std::move(sentence);
+  step.Position = position;
+  step.Before = std::move(before);
+  step.After = std::move(after);
+  step.Risk = risk;
 }
 
 void cRepairTrace::Reverse(size_t from) {
