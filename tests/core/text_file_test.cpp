@@ -292,10 +292,17 @@ TEST(TextWriter, WritesQuotedItemsAndLinesWithCrLf) {
 
 // A line written in parts is the line of their concatenation, numbers in
 // their plain decimal form, also where the line outgrows the first buffer
-// or crosses the size at which the buffer goes to disk.
+// or crosses the size at which the buffer goes to disk, and for parts of
+// every length up to 40 (short parts are copied by length class).
 TEST(TextWriter, WritesLinesInParts) {
   const std::string big(70000, 'b');
   const std::string mid(9000, 'm');
+  std::string every_length;
+  for (size_t n = 0; n <= 40; ++n) {
+    std::string part;
+    for (size_t i = 0; i < n; ++i) part += static_cast<char>('a' + i % 26);
+    every_length += part + "|" + part + ":" + std::to_string(n) + "\r\n";
+  }
   struct Case {
     std::function<void(TextWriter&)> write;
     std::string file;
@@ -324,6 +331,17 @@ TEST(TextWriter, WritesLinesInParts) {
          w.WriteLine("end");
        },
        "x:" + mid + "7\r\n" + big + ":42\r\nend\r\n"},
+      {[](TextWriter& w) {
+         for (size_t n = 0; n <= 40; ++n) {
+           std::string part;
+           for (size_t i = 0; i < n; ++i) {
+             part += static_cast<char>('a' + i % 26);
+           }
+           w.WriteLineParts({part, "|", std::string_view(part), ":",
+                             static_cast<int64_t>(n)});
+         }
+       },
+       every_length},
   };
   TempDir dir;
   for (const Case& c : cases) {
