@@ -63,15 +63,22 @@ std::string ExpectedFormat(int32_t type, const std::string& pattern) {
 //
 // The cleaning step adds what it changed to `trace`. `traced` says whether
 // that trace starts from `raw`: a pattern check removes blanks before
-// cleaning, and then the trace tells only part of the story.
+// cleaning, and then the trace tells only part of the story. `validate`
+// takes the trace to add to: a pattern check of a value with blanks
+// records the blanks it removed, so that a value it passes is explained
+// without being read again.
 template <typename Validate, typename Format>
 void CheckValue(std::string& value, const std::string& raw, int32_t type,
                 const std::string& pattern, bool was_valid, Validate validate,
                 Format format, int32_t& status, std::string& message,
                 cRepairTrace& trace, bool& traced) {
   const bool pattern_type = IsPatternType(type);
-  bool valid = validate();
-  traced = value == raw;
+  // Only a check that removes blanks is traced: one of an unspaced value
+  // decides on the pattern's matcher alone, which records nothing.
+  const bool trace_check =
+      pattern_type && value == raw && value.find(' ') != std::string::npos;
+  bool valid = validate(trace_check ? &trace : nullptr);
+  traced = value == raw || (valid && trace_check);
   cRepairTrace* const steps = traced ? &trace : nullptr;
   if (valid) {
     if (!was_valid) format(steps);
@@ -81,7 +88,7 @@ void CheckValue(std::string& value, const std::string& raw, int32_t type,
     if (valid) value = cleaned;
   } else {
     format(steps);
-    valid = validate();
+    valid = validate(nullptr);
   }
   status = valid ? 0 : kCaptureInvalidStatus;
   message = valid ? "" : ExpectedFormat(type, pattern);
@@ -208,7 +215,7 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
     } else if (!was_valid || options.Recheck) {
       CheckValue(
           f->value, c.Raw, type, pattern, was_valid,
-          [&] { return f->Validate(log); },
+          [&](cRepairTrace* steps) { return f->Validate(log, steps); },
           [&](cRepairTrace* steps) { f->FormatDataValue(steps); }, f->Status,
           f->StatusMessage, trace, traced);
     }
@@ -247,7 +254,7 @@ void CaptureValues(cDocumentData& doc, const cCaptureOptions& options,
       if (!was_valid || options.Recheck) {
         CheckValue(
             cell->value, c.Raw, cell->DataType, pattern, was_valid,
-            [&] { return cell->Validate(log); },
+            [&](cRepairTrace* steps) { return cell->Validate(log, steps); },
             [&](cRepairTrace* steps) { cell->FormatDataValue(log, steps); },
             cell->Status, cell->StatusMessage, trace, traced);
       }

@@ -180,6 +180,10 @@ std::string cFieldData::Pattern() const {
 // ---------------------------------------------------------------------------
 
 bool cFieldData::Validate(std::string& LogFile) {
+  return Validate(LogFile, nullptr);
+}
+
+bool cFieldData::Validate(std::string& LogFile, cRepairTrace* trace) {
   cFormat format;
   const int32_t type = DataType();
   if (IsAmountType(type)) return format.ValidateAmount(value);
@@ -192,7 +196,7 @@ bool cFieldData::Validate(std::string& LogFile) {
   AppendLogLine(LogFile, "Validation on string");
   std::string out, err;
   return EvaluatePattern(value, pattern, false, true, true, false, out, err,
-                         LogFile);
+                         LogFile, trace);
 }
 
 void cFieldData::FormatDataValue() { FormatDataValue(nullptr); }

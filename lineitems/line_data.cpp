@@ -62,6 +62,10 @@ std::string cLineItemData::EffectivePattern() const {
 }
 
 bool cLineItemData::Validate(const std::string& LogFile) {
+  return Validate(LogFile, nullptr);
+}
+
+bool cLineItemData::Validate(const std::string& LogFile, cRepairTrace* trace) {
   cFormat format;
   if (IsAmountType(DataType)) return format.ValidateAmount(value);
   if (IsDateType(DataType)) {
@@ -73,7 +77,7 @@ bool cLineItemData::Validate(const std::string& LogFile) {
   AppendLogLine(LogFile, "Validation on string");
   std::string out, err;
   return EvaluatePattern(value, pattern, false, true, true, false, out, err,
-                         LogFile);
+                         LogFile, trace);
 }
 
 void cLineItemData::FormatDataValue(const std::string& LogFile) {

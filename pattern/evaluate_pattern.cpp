@@ -306,16 +306,17 @@ bool EvaluatePatternWith(cPatternEngine& engine, std::string& strText,
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bCoerce, bool bSuppressSpaces, bool bWhole,
                      bool bKeepSurrounding, std::string& strOutput,
-                     std::string& strErrMsg, const std::string& strLogFile) {
+                     std::string& strErrMsg, const std::string& strLogFile,
+                     cRepairTrace* trace) {
   if (const cSettingsSnapshot* snapshot = cSettingsSnapshot::Current()) {
     return Evaluate(nullptr, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                     bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
-                    snapshot, nullptr);
+                    snapshot, trace);
   }
   cPatternEngine engine;
   return Evaluate(&engine, strText, strPatternSpec, bCoerce, bSuppressSpaces,
                   bWhole, bKeepSurrounding, strOutput, strErrMsg, strLogFile,
-                  nullptr, nullptr);
+                  nullptr, trace);
 }
 
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,

@@ -50,11 +50,13 @@ std::string CharMapPath();
 // kIllegalPatternError and matching goes on with an empty expression.
 // Lines are appended to `strLogFile` (nothing when it is empty): the
 // "Evaluating text" line first, then errors, "Applying regular
-// expression" and "Output value:" as they occur.
+// expression" and "Output value:" as they occur. With `trace`, a successful
+// evaluation records its steps as EvaluatePatternWith() does.
 bool EvaluatePattern(std::string& strText, const std::string& strPatternSpec,
                      bool bCoerce, bool bSuppressSpaces, bool bWhole,
                      bool bKeepSurrounding, std::string& strOutput,
-                     std::string& strErrMsg, const std::string& strLogFile);
+                     std::string& strErrMsg, const std::string& strLogFile,
+                     cRepairTrace* trace = nullptr);
 
 // EvaluatePattern() with the mappings of `settings` (its CharMapError()
 // fails the evaluation as an unreadable file would), whatever the registry

@@ -124,6 +124,10 @@ class cFieldData {
   // blanks from `value` whatever the answer. Never changes the status.
   bool Validate(std::string& LogFile);
 
+  // Validate() that also adds to `trace`, when not null, how a pattern
+  // check read a valid value (the blanks it removed, text it mapped).
+  bool Validate(std::string& LogFile, cRepairTrace* trace);
+
   // FormatDataValue()
   //
   // Normalises `value` in place for the resolved data type; a failing

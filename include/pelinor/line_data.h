@@ -66,6 +66,10 @@ class cLineItemData {
   // `Status` or `StatusMessage`.
   bool Validate(const std::string& LogFile);
 
+  // Validate() that also adds to `trace`, when not null, how a pattern
+  // check read a valid value (the blanks it removed, text it mapped).
+  bool Validate(const std::string& LogFile, cRepairTrace* trace);
+
   // FormatDataValue()
   //
   // Normalises `value` in place by `DataType`; pattern types take the best

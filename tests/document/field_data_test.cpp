@@ -8,6 +8,7 @@
 #include "pelinor/data_parser.h"
 #include "pelinor/document_data.h"
 #include "pelinor/log.h"
+#include "pelinor/repair_trace.h"
 #include "test_util.h"
 
 namespace pelinor {
@@ -143,27 +144,40 @@ TEST(FieldData, ValidatesByDataTypeGroup) {
     const char* value;
     bool valid;
     const char* after;  // the value after validation
+    const char* steps;  // the rules a traced check records, space-separated
   } cases[] = {
-      {4, "", "12.50", true, "12.50"},
-      {2, "", "12.5.0", false, "12.5.0"},
-      {3, "", "31/12/2003", true, "31/12/2003"},
-      {100, "", "31/04/2003", false, "31/04/2003"},
-      {5, "", "SW1A 1AA", true, "SW1A 1AA"},
-      {5, "", "HELLO", false, "HELLO"},
-      {1, "", "anything at all", true, "anything at all"},
-      {1, "LL000", "AB 123", true, "AB123"},
-      {7, "LL000", "A B C12", false, "ABC12"},
+      {4, "", "12.50", true, "12.50", ""},
+      {2, "", "12.5.0", false, "12.5.0", ""},
+      {3, "", "31/12/2003", true, "31/12/2003", ""},
+      {100, "", "31/04/2003", false, "31/04/2003", ""},
+      {5, "", "SW1A 1AA", true, "SW1A 1AA", ""},
+      {5, "", "HELLO", false, "HELLO", ""},
+      {1, "", "anything at all", true, "anything at all", ""},
+      {1, "LL000", "AB123", true, "AB123", ""},
+      {1, "LL000", "AB 123", true, "AB123", "spaces-removed"},
+      {7, "LL000", "A B C12", false, "ABC12", ""},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.value);
-    FieldWorld s(c.type, 1);
-    s.type->Pattern = c.pattern;
-    s.field->value = c.value;
-    std::string log = dir.File("eval.log");
-    EXPECT_EQ(s.field->Validate(log), c.valid);
-    EXPECT_EQ(s.field->value, c.after);
-    EXPECT_EQ(s.field->Status, 1);
-    EXPECT_EQ(s.field->StatusMessage, "Tag has not been validated");
+    // Untraced and traced checks give the same answer and value.
+    for (const bool traced : {false, true}) {
+      FieldWorld s(c.type, 1);
+      s.type->Pattern = c.pattern;
+      s.field->value = c.value;
+      std::string log = dir.File("eval.log");
+      cRepairTrace trace;
+      EXPECT_EQ(
+          traced ? s.field->Validate(log, &trace) : s.field->Validate(log),
+          c.valid);
+      EXPECT_EQ(s.field->value, c.after);
+      EXPECT_EQ(s.field->Status, 1);
+      EXPECT_EQ(s.field->StatusMessage, "Tag has not been validated");
+      std::string rules;
+      for (const cRepairStep& step : trace.Steps()) {
+        rules += (rules.empty() ? "" : " ") + step.Rule;
+      }
+      EXPECT_EQ(rules, traced ? c.steps : "");
+    }
   }
   EXPECT_NE(ReadFile(dir.File("eval.log")).find("Validation on string"),
             std::string::npos);

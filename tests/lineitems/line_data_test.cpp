@@ -4,8 +4,10 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "pelinor/document_data.h"
+#include "pelinor/repair_trace.h"
 #include "test_util.h"
 
 namespace pelinor {
@@ -207,6 +209,18 @@ TEST(LineItemData, ValidatesAndFormatsByDataType) {
     cell->LineData = row;
     EXPECT_EQ(cell->Validate(""), c.valid);
     EXPECT_EQ(cell->value, c.validated);
+    // A traced check answers the same and records only the blanks a
+    // pattern check removed from a value it passes.
+    cell->value = c.value;
+    cRepairTrace trace;
+    EXPECT_EQ(cell->Validate("", &trace), c.valid);
+    EXPECT_EQ(cell->value, c.validated);
+    const bool spaced_pass =
+        c.valid && std::string_view(c.value) != c.validated;
+    ASSERT_EQ(trace.Size(), spaced_pass ? 1u : 0u);
+    if (spaced_pass) {
+      EXPECT_EQ(trace.Steps()[0].Rule, "spaces-removed");
+    }
     cell->value = c.value;
     cell->FormatDataValue("");
     EXPECT_EQ(cell->value, c.formatted);
