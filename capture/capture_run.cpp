@@ -12,6 +12,7 @@
 #include <mutex>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "pelinor/document_data.h"
 #include "pelinor/evaluate_pattern.h"
@@ -163,16 +164,44 @@ void Explain(cCaptureValue& c, int32_t type, DateFormat date_format,
   c.Steps = trace.TakeSteps();
 }
 
-// Holds a field's resolution pinned while it lives.
+// Holds a field's resolution pinned while it lives. A field pinned
+// already, for longer, is left to the pin it has.
 class PinnedResolution {
  public:
-  explicit PinnedResolution(cFieldData& f) : f_(f) { f_.PinResolution(); }
-  ~PinnedResolution() { f_.UnpinResolution(); }
+  explicit PinnedResolution(cFieldData& f)
+      : f_(f.ResolutionPinned() ? nullptr : &f) {
+    if (f_ != nullptr) f_->PinResolution();
+  }
+  ~PinnedResolution() {
+    if (f_ != nullptr) f_->UnpinResolution();
+  }
   PinnedResolution(const PinnedResolution&) = delete;
   PinnedResolution& operator=(const PinnedResolution&) = delete;
 
  private:
-  cFieldData& f_;
+  cFieldData* const f_;
+};
+
+// PinnedResolution for every field of a document.
+class PinnedFields {
+ public:
+  explicit PinnedFields(const cDocumentData& doc) {
+    pinned_.reserve(static_cast<size_t>(doc.Fields.Count()));
+    for (const auto& f : doc.Fields) {
+      if (f && !f->ResolutionPinned()) {
+        f->PinResolution();
+        pinned_.push_back(f.get());
+      }
+    }
+  }
+  ~PinnedFields() {
+    for (cFieldData* f : pinned_) f->UnpinResolution();
+  }
+  PinnedFields(const PinnedFields&) = delete;
+  PinnedFields& operator=(const PinnedFields&) = delete;
+
+ private:
+  std::vector<cFieldData*> pinned_;
 };
 
 // The line header of the cells named `name`; null when there is none.
@@ -449,6 +478,9 @@ cCaptureFileResult cCaptureRun::CaptureWith(Models& models,
   }
   doc->Profile = models.profile;
   doc->Template = models.tpl;
+  // Resolved once for the capture and the write, which stores the data
+  // types the fields resolve to.
+  const PinnedFields pinned(*doc);
   r.Report = CaptureDocument(*doc, options_.Capture, settings_.get());
   r.Captured = true;
   // Written while profile and template are attached: data types the file

@@ -115,8 +115,10 @@ class cFieldData {
   // template again: for a caller that checks and cleans the value in
   // several steps while neither changes. Setting DataType() while pinned
   // is seen at once. A copy of the field is not pinned.
+  // ResolutionPinned() says whether the field is pinned now.
   void PinResolution();
   void UnpinResolution() { pin_.on = false; }
+  bool ResolutionPinned() const { return pin_.on; }
 
   // Validate()
   //

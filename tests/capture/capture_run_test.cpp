@@ -302,6 +302,46 @@ TEST(CaptureDocument, NeverCallsAFieldTheProfileDoesNotKnowValid) {
   }
 }
 
+// A field the caller pinned keeps its pin through the capture, which
+// checks it by what the pin holds; the capture leaves no pin of its own.
+TEST(CaptureDocument, KeepsTheCallersPinsAndLeavesNoneOfItsOwn) {
+  TempDir dir;
+  WriteFile(dir.File("in.tag"), ReadFile(Example("documents/INV0001.tag")));
+  auto doc = cDocumentData::New();
+  std::string err;
+  ASSERT_TRUE(doc->ReadSettings(dir.File("in.tag"), err)) << err;
+  // A profile of its own, changed under the pin below.
+  auto profile = std::make_shared<cProfile>();
+  ASSERT_TRUE(
+      profile->ReadSettings("Invoices", Example("profiles/Invoices.ini"), err))
+      << err;
+  doc->Profile = profile;
+  doc->Template = TheModels().tpl;
+  std::shared_ptr<cFieldData> total, net;
+  int32_t index = 0;
+  ASSERT_TRUE(doc->Find("TotalAmount", index, total));
+  ASSERT_TRUE(doc->Find("NetAmount", index, net));
+  total->PinResolution();
+  // Made a date type after the pin: the pinned field is still an amount,
+  // the unpinned one is now a date its value is not.
+  for (const auto& type : profile->FieldTypes) {
+    if (type && (type->Name == "TotalAmount" || type->Name == "NetAmount")) {
+      type->DataType = 3;
+    }
+  }
+  const cCaptureReport r =
+      CaptureDocument(*doc, cCaptureOptions(), Settings("GB").get());
+  EXPECT_TRUE(total->ResolutionPinned());
+  EXPECT_EQ(Find(r, "TotalAmount")->Status, 0);
+  EXPECT_EQ(total->value, "1234.50");
+  EXPECT_EQ(Find(r, "NetAmount")->Status, kCaptureInvalidStatus);
+  for (const auto& f : doc->Fields) {
+    if (f && f != total) {
+      EXPECT_FALSE(f->ResolutionPinned()) << f->Name;
+    }
+  }
+}
+
 // ---------------------------------------------------------------------------
 // cCaptureRun
 // ---------------------------------------------------------------------------
