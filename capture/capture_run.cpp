@@ -91,6 +91,9 @@ void CheckValue(std::string& value, const std::string& raw, int32_t type,
     format(steps);
     valid = validate(nullptr);
   }
+  // A value under review that still passes as it stands stays under
+  // review, message and all: only a person clears that status.
+  if (valid && status == kCaptureReviewStatus && value == raw) return;
   status = valid ? 0 : kCaptureInvalidStatus;
   message = valid ? "" : ExpectedFormat(type, pattern);
 }

@@ -419,8 +419,10 @@ void AddCaptureCommand(CLI::App& app) {
                       "read further document paths from this file, one a "
                       "line (- for standard input)");
   capture->add_flag("--recheck", opts->recheck,
-                    "check values already valid (status 0) again; a date "
-                    "already in the locale's order keeps its order");
+                    "check values already accepted (status 0, or 3 to "
+                    "check) again; one that still passes keeps its value "
+                    "and status, and a date in the locale's order keeps "
+                    "its order");
   capture
       ->add_option("--review", opts->review,
                    "guess: give values whose repairs include a guess "
