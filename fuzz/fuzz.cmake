@@ -15,6 +15,7 @@ set(PELINOR_FUZZ_TARGETS
   pattern
   format
   page_model
+  capture
 )
 
 add_library(pelinor_fuzz_util STATIC fuzz/fuzz_util.cpp)
