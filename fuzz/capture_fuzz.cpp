@@ -1,7 +1,8 @@
 // The capture of a document whose values are arbitrary texts, one field of
 // every data type and pattern kind and a row of cells, in each locale.
-// The first byte picks the locale, whether stored values are checked again
-// and whether guesses go to review; the rest are the values, separated by
+// The first byte picks the locale, whether stored values are checked
+// again, whether guesses go to review and whether a template overrides
+// data types and a pattern; the rest are the values, separated by
 // NUL bytes, each optionally led by a byte 1 to 3 that gives its stored
 // status (0, 2 or 3, with the message a capture stores with it; otherwise
 // 1, not validated).
@@ -20,12 +21,14 @@
 #include "fuzz_util.h"
 #include "pelinor/capture_run.h"
 #include "pelinor/document_data.h"
+#include "pelinor/extract_zone.h"
 #include "pelinor/field_data.h"
 #include "pelinor/field_type.h"
 #include "pelinor/line_data.h"
 #include "pelinor/line_hdr_type.h"
 #include "pelinor/profile.h"
 #include "pelinor/settings_snapshot.h"
+#include "pelinor/template.h"
 #include "pelinor/text.h"
 
 namespace {
@@ -69,6 +72,20 @@ constexpr Kind kCells[] = {
 };
 constexpr const char* kLocales[] = {"GB", "US", "JP"};
 
+// A template's overrides: data types of the same group (a date read in
+// another order, an amount read as a comma amount, a number as a comma
+// number) and a pattern of its own.
+struct Override {
+  const char* name;
+  int32_t type;
+  const char* pattern;
+};
+constexpr Override kOverrides[] = {
+    {"Date3", 101, nullptr},   {"Date100", 106, nullptr},
+    {"Date104", 3, nullptr},   {"Amount4", 200, nullptr},
+    {"Number2", 300, nullptr}, {"Order", pelinor::kNoOverride, "PO000000"},
+};
+
 std::shared_ptr<pelinor::cProfile> MakeProfile() {
   auto profile = std::make_shared<pelinor::cProfile>();
   for (const Kind& k : kFields) {
@@ -86,6 +103,20 @@ std::shared_ptr<pelinor::cProfile> MakeProfile() {
     profile->LineItemHdrs.Add(h);
   }
   return profile;
+}
+
+std::shared_ptr<pelinor::cTemplate> MakeTemplate(
+    const std::shared_ptr<pelinor::cProfile>& profile) {
+  auto tpl = pelinor::cTemplate::New();
+  tpl->Profile = profile;
+  for (const Override& o : kOverrides) {
+    auto z = std::make_shared<pelinor::cExtractZones>();
+    z->FieldName = o.name;
+    z->DataTypeOverride = o.type;
+    if (o.pattern != nullptr) z->PatternOverride = o.pattern;
+    tpl->FieldZoneRefs.Add(z);
+  }
+  return tpl;
 }
 
 // Takes a leading status byte off `value` and stores it as a captured
@@ -110,6 +141,7 @@ void SetStored(Value& v, std::string text, bool& accepted) {
 // writes, "" when it cannot be read.
 std::string Recapture(const std::string& path,
                       const std::shared_ptr<pelinor::cProfile>& profile,
+                      const std::shared_ptr<pelinor::cTemplate>& tpl,
                       const pelinor::cCaptureOptions& options,
                       const pelinor::cSettingsSnapshot& settings,
                       const char* tag) {
@@ -117,6 +149,7 @@ std::string Recapture(const std::string& path,
   std::string err;
   if (!doc->ReadSettings(path, err)) return "";
   doc->Profile = profile;
+  doc->Template = tpl;
   pelinor::CaptureDocument(*doc, options, &settings);
   const std::string out = pelinor::fuzz::ScratchPath(tag);
   pelinor::fuzz::Check(doc->WriteSettings(out, err),
@@ -129,6 +162,7 @@ std::string Recapture(const std::string& path,
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
   static const auto profile = MakeProfile();
+  static const auto with_overrides = MakeTemplate(profile);
   static const std::shared_ptr<const pelinor::cSettingsSnapshot> settings[] = {
       pelinor::cSettingsSnapshot::Make(std::string(kLocales[0]), ""),
       pelinor::cSettingsSnapshot::Make(std::string(kLocales[1]), ""),
@@ -138,6 +172,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   pelinor::cCaptureOptions options;
   options.Recheck = (data[0] & 0x10) != 0;
   options.ReviewGuess = (data[0] & 0x20) != 0;
+  const std::shared_ptr<pelinor::cTemplate> tpl =
+      (data[0] & 0x40) != 0 ? with_overrides : nullptr;
 
   constexpr size_t kFieldCount = std::size(kFields);
   constexpr size_t kCellCount = std::size(kCells);
@@ -146,6 +182,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   auto doc = pelinor::cDocumentData::New();
   doc->Profile = profile;
+  doc->Template = tpl;
   bool stored_accepted = false;
   for (size_t i = 0; i < kFieldCount; ++i) {
     auto f = doc->CreateField();
@@ -178,7 +215,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                        "a captured document could not be written");
   const std::string written = pelinor::fuzz::ReadBytes(first);
   pelinor::fuzz::Check(
-      Recapture(first, profile, options, snapshot, "again") == written,
+      Recapture(first, profile, tpl, options, snapshot, "again") == written,
       "capturing a captured document changed it");
   // Checked again, every value the capture accepted stays as it is. A
   // value stored as accepted before this capture may not be in its stored
@@ -186,11 +223,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   pelinor::cCaptureOptions recheck = options;
   recheck.Recheck = true;
   const std::string rechecked =
-      Recapture(first, profile, recheck, snapshot, "rechecked");
+      Recapture(first, profile, tpl, recheck, snapshot, "rechecked");
   if (stored_accepted) {
     const std::string once =
         pelinor::fuzz::WriteScratch("rechecked-once", rechecked);
-    pelinor::fuzz::Check(Recapture(once, profile, recheck, snapshot,
+    pelinor::fuzz::Check(Recapture(once, profile, tpl, recheck, snapshot,
                                    "rechecked-twice") == rechecked,
                          "checking a rechecked document again changed it");
   } else {
