@@ -490,7 +490,7 @@ cCaptureFileResult cCaptureRun::CaptureWith(Models& models,
   // leaves at 0 are stored as they resolve.
   const std::string out = OutputPath(file);
   if (!out.empty()) {
-    if (doc->WriteSettings(out, err)) {
+    if (doc->WriteSettingsIfChanged(out, r.Unchanged, err)) {
       r.Written = out;
     } else {
       r.Error = "cannot write " + out + ": " + err;

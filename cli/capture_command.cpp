@@ -117,6 +117,7 @@ json FileJson(const cCaptureFileResult& r) {
   }
   json j = {{"file", Json(r.File)},
             {"written", Json(r.Written)},
+            {"unchanged", r.Unchanged},
             {"status", r.Report.Status},
             {"message", Json(r.Report.Message)},
             {"values", values}};

@@ -554,6 +554,8 @@ bool TextWriter::Create(const std::string& path) {
   // the usual ones for a new file.
   mode_t mode = exists ? (st.st_mode & 07777) : 0644;
   ::fchmod(fd_, mode);
+  target_size_ = exists && S_ISREG(st.st_mode) ? st.st_size : -1;
+  flushed_ = 0;
   ok_ = true;
   used_ = 0;
   return true;
@@ -576,6 +578,7 @@ void TextWriter::Flush() {
     }
     done += static_cast<size_t>(n);
   }
+  flushed_ += done;
   used_ = 0;
 }
 
@@ -702,6 +705,80 @@ bool TextWriter::Commit() {
   temp_.clear();
   ok_ = false;
   return false;
+}
+
+namespace {
+
+// Reads up to `n` bytes of `fd` into `to`, across short reads; the count
+// read, or -1 on an error.
+ssize_t ReadFully(int fd, char* to, size_t n) {
+  size_t done = 0;
+  while (done < n) {
+    const ssize_t got = ::read(fd, to + done, n - done);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return -1;
+    if (got == 0) break;
+    done += static_cast<size_t>(got);
+  }
+  return static_cast<ssize_t>(done);
+}
+
+}  // namespace
+
+bool TextWriter::TargetHoldsTheSame() {
+  if (target_size_ < 0 ||
+      static_cast<uint64_t>(target_size_) != flushed_ + used_) {
+    return false;
+  }
+  const int target = ::open(target_.c_str(), O_RDONLY | O_CLOEXEC);
+  if (target < 0) return false;
+  bool same = true;
+  // The flushed part is compared with the temporary file, a block at a
+  // time; the buffered rest with the buffer.
+  constexpr size_t kBlock = 1 << 16;
+  std::unique_ptr<char[]> a(new char[kBlock]), b(new char[kBlock]);
+  uint64_t at = 0;
+  while (same && at < flushed_) {
+    const size_t n =
+        static_cast<size_t>(std::min<uint64_t>(kBlock, flushed_ - at));
+    same = ::pread(fd_, a.get(), n, static_cast<off_t>(at)) ==
+               static_cast<ssize_t>(n) &&
+           ReadFully(target, b.get(), n) == static_cast<ssize_t>(n) &&
+           std::memcmp(a.get(), b.get(), n) == 0;
+    at += n;
+  }
+  for (size_t done = 0; same && done < used_;) {
+    const size_t n = std::min(kBlock, used_ - done);
+    same = ReadFully(target, b.get(), n) == static_cast<ssize_t>(n) &&
+           std::memcmp(buffer_.get() + done, b.get(), n) == 0;
+    done += n;
+  }
+  // Nothing may follow: the file could have grown since Create().
+  char extra;
+  same = same && ReadFully(target, &extra, 1) == 0;
+  ::close(target);
+  return same;
+}
+
+void TextWriter::RemoveTemp() {
+  ::unlink(temp_.c_str());
+  UnlistTempFile(slot_);
+  slot_ = -1;
+  temp_.clear();
+}
+
+bool TextWriter::CommitIfChanged(bool& unchanged) {
+  unchanged = false;
+  if (fd_ < 0) return false;
+  if (ok_ && TargetHoldsTheSame()) {
+    ReleaseBuffer();
+    ::close(fd_);
+    fd_ = -1;
+    RemoveTemp();
+    unchanged = true;
+    return true;
+  }
+  return Commit();
 }
 
 void TextWriter::Abandon() {

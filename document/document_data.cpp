@@ -56,6 +56,18 @@ bool SameCellCounts(const Collection<std::shared_ptr<cLineData>>& rows,
 
 bool cDocumentData::WriteSettings(const std::string& FileName,
                                   std::string& strErrMsg) const {
+  return Write(FileName, nullptr, strErrMsg);
+}
+
+bool cDocumentData::WriteSettingsIfChanged(const std::string& FileName,
+                                           bool& bUnchanged,
+                                           std::string& strErrMsg) const {
+  return Write(FileName, &bUnchanged, strErrMsg);
+}
+
+bool cDocumentData::Write(const std::string& FileName, bool* unchanged,
+                          std::string& strErrMsg) const {
+  if (unchanged != nullptr) *unchanged = false;
   strErrMsg.clear();
   int32_t columns = 0;
   if (!SameCellCounts(LineData, columns, strErrMsg)) return false;
@@ -102,7 +114,10 @@ bool cDocumentData::WriteSettings(const std::string& FileName,
   for (const auto& row : LineData) {
     if (row && !row->WriteSettings(++i, out, strErrMsg)) return fail();
   }
-  if (!out.Commit()) return fail();
+  if (!(unchanged != nullptr ? out.CommitIfChanged(*unchanged)
+                             : out.Commit())) {
+    return fail();
+  }
   return true;
 }
 

@@ -178,6 +178,9 @@ void BindCapture(py::module_& m) {
           "Written",
           [](const cCaptureFileResult& r) { return Path{r.Written}; },
           "The file written, '' for none.")
+      .def_readonly("Unchanged", &cCaptureFileResult::Unchanged,
+                    "Written held these bytes already and was left "
+                    "untouched.")
       .def_property_readonly(
           "Error", [](const cCaptureFileResult& r) { return Text{r.Error}; },
           "'file: message' when it was not read or written.")

@@ -124,11 +124,12 @@ struct cCaptureRunOptions {
 
 // One document of a run.
 struct cCaptureFileResult {
-  size_t Index = 0;       // position in the input list
-  std::string File;       // the input
-  std::string Written;    // the file written, "" for none
-  std::string Error;      // "file: message" when it was not read or written
-  bool Captured = false;  // the document was read and captured
+  size_t Index = 0;        // position in the input list
+  std::string File;        // the input
+  std::string Written;     // the file written, "" for none
+  bool Unchanged = false;  // `Written` held these bytes already: untouched
+  std::string Error;       // "file: message" when it was not read or written
+  bool Captured = false;   // the document was read and captured
   cCaptureReport Report;
 };
 

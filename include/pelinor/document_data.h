@@ -74,6 +74,13 @@ class cDocumentData : public std::enable_shared_from_this<cDocumentData> {
   // `FileName`, if any, is left as it was and no temporary file remains.
   bool WriteSettings(const std::string& FileName, std::string& strErrMsg) const;
 
+  // WriteSettingsIfChanged()
+  //
+  // As WriteSettings(), except that a file at `FileName` that already holds
+  // exactly these bytes is left untouched; `bUnchanged` then says so.
+  bool WriteSettingsIfChanged(const std::string& FileName, bool& bUnchanged,
+                              std::string& strErrMsg) const;
+
   // ReadSettings()
   //
   // Appends what the tag file holds to this document. Fails with
@@ -148,6 +155,11 @@ class cDocumentData : public std::enable_shared_from_this<cDocumentData> {
                                   cLineData& Target) const;
 
  private:
+  // WriteSettings(), committed with TextWriter::CommitIfChanged() when
+  // `unchanged` is not null.
+  bool Write(const std::string& FileName, bool* unchanged,
+             std::string& strErrMsg) const;
+
   static bool FindIn(const Collection<std::shared_ptr<cFieldData>>& items,
                      const std::string& strLocation,
                      const std::string& FieldName, int32_t& FieldIdx,

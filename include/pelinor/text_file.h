@@ -271,6 +271,14 @@ class TextWriter {
   // and the target left as it was.
   bool Commit();
 
+  // CommitIfChanged()
+  //
+  // As Commit(), except that a target that already holds exactly the bytes
+  // written is left untouched (not replaced, so its time stamps and links
+  // stay as they were) and the temporary file is removed; `unchanged` then
+  // says so. Costs a read of the target when it has the new size.
+  bool CommitIfChanged(bool& unchanged);
+
   // Abandon()
   //
   // Removes the temporary file; the target is left as it was.
@@ -298,8 +306,19 @@ class TextWriter {
   // Hands the buffer back for the next writer or reader of the thread.
   void ReleaseBuffer();
 
+  // Whether the target holds exactly what was written: the buffered bytes,
+  // after any flushed to the temporary file.
+  bool TargetHoldsTheSame();
+
+  // Removes the temporary file and forgets it.
+  void RemoveTemp();
+
   int fd_ = -1;
   bool ok_ = false;
+  // The target's size when Create() found it a regular file, else -1; and
+  // the bytes flushed to the temporary file so far.
+  int64_t target_size_ = -1;
+  uint64_t flushed_ = 0;
   int error_ = 0;
   int slot_ = -1;  // place in the list of temporary files in flight
   std::string target_;

@@ -716,6 +716,7 @@ class cCaptureFileResult:
     File: object
     Index: int
     Report: cCaptureReport
+    Unchanged: bool
     Written: object
 
 class cCaptureOptions:

@@ -97,7 +97,14 @@ def test_run_reports_in_input_order_on_several_threads(examples, tmp_path):
     for r in one:
         a = (tmp_path / "one" / r.File.rsplit("/", 1)[1]).read_bytes()
         b = (tmp_path / "two" / r.File.rsplit("/", 1)[1]).read_bytes()
-        assert a == b and r.Captured and r.Error == ""
+        assert a == b and r.Captured and r.Error == "" and not r.Unchanged
+    # Run again, every file already holds what the run writes: none is
+    # replaced.
+    inodes = {p.name: p.stat().st_ino for p in (tmp_path / "one").iterdir()}
+    again = _run(examples, tmp_path / "one", 1).Run(files)
+    assert all(r.Unchanged and r.Written for r in again)
+    assert inodes == {
+        p.name: p.stat().st_ino for p in (tmp_path / "one").iterdir()}
 
 
 def test_run_callback_can_stop_and_raise(examples, tmp_path):

@@ -1,6 +1,7 @@
 #include "pelinor/capture_run.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <filesystem>
@@ -414,6 +415,59 @@ TEST(CaptureRun, ParallelRunsKeepInputOrderAndBytes) {
               "");
     EXPECT_EQ(ReadFile(dir.File("out2/" + name)), one);
     EXPECT_EQ(ReadFile(dir.File("out4/" + name)), one);
+  }
+}
+
+// A run again over what a run wrote replaces no file: each already holds
+// the bytes the run would write. A file that differs is replaced.
+TEST(CaptureRun, LeavesFilesThatHoldTheCaptureUntouched) {
+  TempDir dir;
+  std::filesystem::create_directories(dir.File("docs"));
+  std::vector<std::string> files;
+  for (uint32_t i = 0; i < 12; ++i) {
+    files.push_back(dir.File("docs/doc" + std::to_string(i) + ".tag"));
+    WriteFile(files.back(), CorpusDocument(13, i));
+  }
+  const auto settings = Settings("GB");
+  cCaptureRunOptions options = RunOptions("", 2);
+  options.InPlace = true;
+  std::string err;
+  auto run = cCaptureRun::Open(options, settings, err);
+  ASSERT_NE(run, nullptr) << err;
+  const auto inode = [](const std::string& path) {
+    struct stat st {};
+    EXPECT_EQ(stat(path.c_str(), &st), 0);
+    return st.st_ino;
+  };
+  const auto unchanged = [&](std::vector<ino_t>* inodes) {
+    std::vector<bool> flags;
+    EXPECT_TRUE(run->Run(files, [&](const cCaptureFileResult& r) {
+      EXPECT_EQ(r.Written, r.File);
+      flags.push_back(r.Unchanged);
+      if (inodes != nullptr) inodes->push_back(inode(r.File));
+      return true;
+    }));
+    return flags;
+  };
+  EXPECT_EQ(unchanged(nullptr), std::vector<bool>(files.size(), false));
+  std::vector<ino_t> first, second;
+  EXPECT_EQ(unchanged(&first), std::vector<bool>(files.size(), true));
+  // One document changed by hand: only it is written again.
+  const std::string edited = ReadFile(files[3]);
+  std::string by_hand = edited;
+  const size_t status = by_hand.find("DocStatus:");
+  ASSERT_NE(status, std::string::npos);
+  by_hand.insert(status + 10, "7");
+  WriteFile(files[3], by_hand);
+  std::vector<bool> expected(files.size(), true);
+  expected[3] = false;
+  EXPECT_EQ(unchanged(nullptr), expected);
+  EXPECT_EQ(ReadFile(files[3]), edited);
+  EXPECT_EQ(unchanged(&second), std::vector<bool>(files.size(), true));
+  for (size_t i = 0; i < files.size(); ++i) {
+    if (i != 3) {
+      EXPECT_EQ(first[i], second[i]) << files[i];
+    }
   }
 }
 

@@ -384,6 +384,66 @@ TEST(TextWriter, NeverExposesAHalfWrittenFile) {
   EXPECT_FALSE(w.Commit());
 }
 
+// CommitIfChanged() leaves a target that holds the same bytes untouched
+// (the same file, not a copy) and replaces any other, also where the new
+// text went to the temporary file in part before the end, or differs only
+// after the part that did.
+TEST(TextWriter, LeavesATargetThatHoldsTheSameBytes) {
+  const std::string big(200000, 'b');
+  std::string other_end = big, other_start = big;
+  other_end.back() = 'c';
+  other_start.front() = 'c';
+  struct Case {
+    const char* name;
+    std::string old_text;  // "\x01" for no target
+    std::string new_text;
+    bool unchanged;
+  } cases[] = {
+      {"same", "a\r\nb\r\n", "a\r\nb\r\n", true},
+      {"same size, other bytes", "a\r\nb\r\n", "a\r\nc\r\n", false},
+      {"longer", "a\r\n", "a\r\nb\r\n", false},
+      {"shorter", "a\r\nb\r\n", "a\r\n", false},
+      {"no target", "\x01", "a\r\n", false},
+      {"empty, same", "", "", true},
+      {"large, same", big, big, true},
+      {"large, other end", big, other_end, false},
+      {"large, other start", big, other_start, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    TempDir dir;
+    const std::string path = dir.File("t.txt");
+    const bool had = c.old_text != "\x01";
+    if (had) WriteFile(path, c.old_text);
+    struct stat before {};
+    if (had) {
+      ASSERT_EQ(stat(path.c_str(), &before), 0);
+    }
+    TextWriter w;
+    ASSERT_TRUE(w.Create(path));
+    // In pieces, so that a large text is partly on disk and partly still
+    // buffered when committed.
+    for (size_t at = 0; at < c.new_text.size(); at += 150000) {
+      w.Write(std::string_view(c.new_text).substr(at, 150000));
+    }
+    bool unchanged = !c.unchanged;
+    ASSERT_TRUE(w.CommitIfChanged(unchanged));
+    EXPECT_EQ(unchanged, c.unchanged);
+    EXPECT_EQ(ReadFile(path), c.new_text);
+    struct stat after {};
+    ASSERT_EQ(stat(path.c_str(), &after), 0);
+    if (had) {
+      EXPECT_EQ(after.st_ino == before.st_ino, c.unchanged);
+    }
+    size_t entries = 0;
+    for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
+      (void)e;
+      ++entries;
+    }
+    EXPECT_EQ(entries, 1u) << "a temporary file was left";
+  }
+}
+
 TEST(TextWriter, KeepsTheTargetsPermissions) {
   TempDir dir;
   std::string path = dir.File("perm.txt");
