@@ -9,9 +9,11 @@
 //
 // Properties: capturing the written document again writes the same bytes,
 // and so does checking every value again once each accepted value is in
-// its stored form; a valid value has no message and a changed one is
-// reported changed; the report has one entry for each field and cell.
+// its stored form; an accepted value validates as it stands; a valid
+// value has no message and a changed one is reported changed; the report has
+// one entry for each field and cell.
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -121,8 +123,9 @@ std::shared_ptr<pelinor::cTemplate> MakeTemplate(
 
 // Takes a leading status byte off `value` and stores it as a captured
 // document would: status 0 without a message, 3 with the review message.
+// True when the value was stored as accepted (status 0 or 3).
 template <typename Value>
-void SetStored(Value& v, std::string text, bool& accepted) {
+bool SetStored(Value& v, std::string text) {
   v.Status = 1;
   if (!text.empty() && text[0] >= 1 && text[0] <= 3) {
     v.Status = text[0] == 1 ? 0 : text[0] == 2 ? 2 : 3;
@@ -130,11 +133,11 @@ void SetStored(Value& v, std::string text, bool& accepted) {
                       : v.Status == 3 ? "Check: stored earlier"
                                       : "stored as not valid";
     text.erase(0, 1);
-    accepted = accepted || v.Status == 0 || v.Status == 3;
   }
   // A value as a tag file gives it: one line, without the spaces around it.
   std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
   v.value = pelinor::Trim(text);
+  return v.Status == 0 || v.Status == 3;
 }
 
 // Captures the document written at `path` again and returns the bytes it
@@ -183,17 +186,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   auto doc = pelinor::cDocumentData::New();
   doc->Profile = profile;
   doc->Template = tpl;
-  bool stored_accepted = false;
+  // Which values were stored as accepted before this capture.
+  std::vector<bool> preset(kFieldCount + kCellCount, false);
   for (size_t i = 0; i < kFieldCount; ++i) {
     auto f = doc->CreateField();
     f->Name = kFields[i].name;
-    SetStored(*f, values[i], stored_accepted);
+    preset[i] = SetStored(*f, values[i]);
   }
   auto row = doc->CreateLineData();
   for (size_t i = 0; i < kCellCount; ++i) {
     auto cell = std::make_shared<pelinor::cLineItemData>();
     cell->Name = kCells[i].name;
-    SetStored(*cell, values[kFieldCount + i], stored_accepted);
+    preset[kFieldCount + i] = SetStored(*cell, values[kFieldCount + i]);
     cell->LineData = row;
     row->colLineItemData.Add(cell);
   }
@@ -207,6 +211,30 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                          "a valid value has a message");
     pelinor::fuzz::Check(v.Changed == (v.Result != v.Raw),
                          "a value's change is misreported");
+  }
+  // A value the capture accepted is in its stored form: it validates as it
+  // stands, and the check leaves it so. One accepted before, and not
+  // checked again, is left as it was given.
+  {
+    const pelinor::ScopedSettingsSnapshot scope(&snapshot);
+    std::string log;
+    size_t i = 0;
+    for (const auto& f : doc->Fields) {
+      if (f->Status == 0 && (!preset[i] || options.Recheck)) {
+        const std::string stored = f->value;
+        pelinor::fuzz::Check(f->Validate(log) && f->value == stored,
+                             "an accepted field does not validate as stored");
+      }
+      ++i;
+    }
+    for (const auto& cell : row->colLineItemData) {
+      if (cell->Status == 0 && (!preset[i] || options.Recheck)) {
+        const std::string stored = cell->value;
+        pelinor::fuzz::Check(cell->Validate(log) && cell->value == stored,
+                             "an accepted cell does not validate as stored");
+      }
+      ++i;
+    }
   }
 
   std::string err;
@@ -224,7 +252,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   recheck.Recheck = true;
   const std::string rechecked =
       Recapture(first, profile, tpl, recheck, snapshot, "rechecked");
-  if (stored_accepted) {
+  if (std::find(preset.begin(), preset.end(), true) != preset.end()) {
     const std::string once =
         pelinor::fuzz::WriteScratch("rechecked-once", rechecked);
     pelinor::fuzz::Check(Recapture(once, profile, tpl, recheck, snapshot,
