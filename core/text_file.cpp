@@ -699,10 +699,7 @@ bool TextWriter::Commit() {
     return true;
   }
   if (ok_) Fail(errno);
-  ::unlink(temp_.c_str());
-  UnlistTempFile(slot_);
-  slot_ = -1;
-  temp_.clear();
+  RemoveTemp();
   ok_ = false;
   return false;
 }
@@ -736,11 +733,14 @@ bool TextWriter::TargetHoldsTheSame() {
   // The flushed part is compared with the temporary file, a block at a
   // time; the buffered rest with the buffer.
   constexpr size_t kBlock = 1 << 16;
-  std::unique_ptr<char[]> a(new char[kBlock]), b(new char[kBlock]);
+  const size_t block =
+      static_cast<size_t>(std::min<uint64_t>(kBlock, flushed_ + used_ + 1));
+  std::unique_ptr<char[]> a(flushed_ > 0 ? new char[block] : nullptr);
+  std::unique_ptr<char[]> b(new char[block]);
   uint64_t at = 0;
   while (same && at < flushed_) {
     const size_t n =
-        static_cast<size_t>(std::min<uint64_t>(kBlock, flushed_ - at));
+        static_cast<size_t>(std::min<uint64_t>(block, flushed_ - at));
     same = ::pread(fd_, a.get(), n, static_cast<off_t>(at)) ==
                static_cast<ssize_t>(n) &&
            ReadFully(target, b.get(), n) == static_cast<ssize_t>(n) &&
@@ -748,7 +748,7 @@ bool TextWriter::TargetHoldsTheSame() {
     at += n;
   }
   for (size_t done = 0; same && done < used_;) {
-    const size_t n = std::min(kBlock, used_ - done);
+    const size_t n = std::min(block, used_ - done);
     same = ReadFully(target, b.get(), n) == static_cast<ssize_t>(n) &&
            std::memcmp(buffer_.get() + done, b.get(), n) == 0;
     done += n;
@@ -761,7 +761,7 @@ bool TextWriter::TargetHoldsTheSame() {
 }
 
 void TextWriter::RemoveTemp() {
-  ::unlink(temp_.c_str());
+  if (!temp_.empty()) ::unlink(temp_.c_str());
   UnlistTempFile(slot_);
   slot_ = -1;
   temp_.clear();
@@ -786,12 +786,7 @@ void TextWriter::Abandon() {
     ::close(fd_);
     fd_ = -1;
   }
-  if (!temp_.empty()) {
-    ::unlink(temp_.c_str());
-    temp_.clear();
-  }
-  UnlistTempFile(slot_);
-  slot_ = -1;
+  RemoveTemp();
   ReleaseBuffer();
   ok_ = false;
 }
