@@ -457,71 +457,95 @@ bool cCaptureRun::CheckOutputs(const std::vector<std::string>& files,
 
 cCaptureFileResult cCaptureRun::CaptureFile(const std::string& file) const {
   std::string err;
+  std::vector<cCaptureFileResult> results;
   std::unique_ptr<Models> models = Acquire(err);
-  if (!models) {
-    cCaptureFileResult r;
-    r.File = file;
-    r.Error = err;
-    return r;
-  }
-  cCaptureFileResult r = CaptureWith(*models, file);
-  Release(std::move(models));
-  return r;
+  CaptureGroup(models.get(), err, {file}, 0, 1, results);
+  if (models) Release(std::move(models));
+  return std::move(results.front());
 }
 
-cCaptureFileResult cCaptureRun::CaptureWith(Models& models,
-                                            const std::string& file) const {
-  cCaptureFileResult r;
-  r.File = file;
-  std::string err;
-  auto doc = cDocumentData::New();
-  if (!doc->ReadSettings(file, err)) {
-    r.Error = err;
-    return r;
+void cCaptureRun::CaptureGroup(Models* models, const std::string& load_err,
+                               const std::vector<std::string>& files,
+                               size_t begin, size_t end,
+                               std::vector<cCaptureFileResult>& results) const {
+  results.clear();
+  results.resize(end - begin);
+  for (size_t i = begin; i < end; ++i) {
+    results[i - begin].File = files[i];
+    results[i - begin].Index = i;
   }
-  doc->Profile = models.profile;
-  doc->Template = models.tpl;
-  // Resolved once for the capture and the write, which stores the data
-  // types the fields resolve to.
-  const PinnedFields pinned(*doc);
-  r.Report = CaptureDocument(*doc, options_.Capture, settings_.get());
-  r.Captured = true;
-  // Written while profile and template are attached: data types the file
-  // leaves at 0 are stored as they resolve.
-  const std::string out = OutputPath(file);
-  if (!out.empty()) {
-    if (doc->WriteSettingsIfChanged(out, r.Unchanged, err)) {
+  // A thread that could not read the profile or template reports its
+  // reader's message for each document it takes.
+  if (models == nullptr) {
+    for (cCaptureFileResult& r : results) r.Error = load_err;
+    return;
+  }
+  std::vector<std::shared_ptr<cDocumentData>> docs(results.size());
+  std::string err;
+  for (size_t k = 0; k < docs.size(); ++k) {
+    auto doc = cDocumentData::New();
+    if (doc->ReadSettings(results[k].File, err)) {
+      docs[k] = std::move(doc);
+    } else {
+      results[k].Error = err;
+    }
+  }
+  // Each document's fields are resolved once for its capture and its
+  // write, which stores the data types the fields resolve to.
+  std::vector<std::unique_ptr<PinnedFields>> pins(docs.size());
+  for (size_t k = 0; k < docs.size(); ++k) {
+    if (!docs[k]) continue;
+    cDocumentData& doc = *docs[k];
+    doc.Profile = models->profile;
+    doc.Template = models->tpl;
+    pins[k] = std::make_unique<PinnedFields>(doc);
+    results[k].Report = CaptureDocument(doc, options_.Capture, settings_.get());
+    results[k].Captured = true;
+  }
+  for (size_t k = 0; k < docs.size(); ++k) {
+    cCaptureFileResult& r = results[k];
+    const std::string out = OutputPath(r.File);
+    if (!docs[k] || out.empty()) continue;
+    if (docs[k]->WriteSettingsIfChanged(out, r.Unchanged, err)) {
       r.Written = out;
     } else {
       r.Error = "cannot write " + out + ": " + err;
     }
   }
-  return r;
 }
 
 namespace {
 
-// The state a run's threads share, guarded by `mu`. Document i, once
-// done, waits in slots[i % slots.size()] until it is handed on: a worker
-// only takes i while i < next_emit + slots.size(), so no two waiting
-// documents share a slot. Threads are woken only when someone waits for
-// what changed, so the common path takes the lock without a system call.
+// The state a run's threads share, guarded by `mu`. Documents are taken
+// a group (kGroupSize documents, fewer at the end) at a time; document i,
+// once done, waits in slots[i % slots.size()] until it is handed on. A
+// group is only taken while all of it fits below next_emit + slots.size(),
+// so no two waiting documents share a slot. Threads are woken only when
+// someone waits for what changed, so the common path takes the lock
+// without a system call.
 struct RunState {
-  explicit RunState(size_t window) : slots(window), ready(window, false) {}
+  RunState(size_t window, size_t total)
+      : slots(window), ready(window, false), total(total) {}
   std::mutex mu;
   std::condition_variable room;     // workers wait here while ahead
   std::condition_variable emitted;  // the caller waits here for next_emit
   std::vector<cCaptureFileResult> slots;
   std::vector<bool> ready;
+  const size_t total;
   size_t next_take = 0;
   size_t next_emit = 0;
   size_t workers_waiting = 0;
   bool caller_waiting = false;
   bool stop = false;
 
+  // The end of the group that starts at next_take.
   // REQUIRES: mu held.
-  bool CanTake(size_t total) const {
-    return !stop && next_take < total && next_take < next_emit + slots.size();
+  size_t GroupEnd() const {
+    return std::min(total, next_take + cCaptureRun::kGroupSize);
+  }
+  // REQUIRES: mu held.
+  bool CanTake() const {
+    return !stop && next_take < total && GroupEnd() <= next_emit + slots.size();
   }
   // REQUIRES: mu held.
   void Store(cCaptureFileResult r) {
@@ -545,55 +569,55 @@ bool cCaptureRun::Run(
   size_t jobs = options_.Jobs > 0
                     ? static_cast<size_t>(options_.Jobs)
                     : std::max(1u, std::thread::hardware_concurrency());
-  jobs = std::min(jobs, files.size());
-  // A thread that could not read the profile or template reports its
-  // reader's message for each document it takes.
-  const auto capture = [&](Models* models, const std::string& load_err,
-                           size_t i) {
-    cCaptureFileResult r;
-    if (models != nullptr) {
-      r = CaptureWith(*models, files[i]);
-    } else {
-      r.File = files[i];
-      r.Error = load_err;
-    }
-    r.Index = i;
-    return r;
-  };
+  const size_t total = files.size();
+  jobs = std::min(jobs, (total + kGroupSize - 1) / kGroupSize);
   std::string err;
   std::unique_ptr<Models> own = Acquire(err);
+  std::vector<cCaptureFileResult> group;
   if (jobs <= 1) {
-    for (size_t i = 0; i < files.size(); ++i) {
-      if (!each(capture(own.get(), err, i))) {
-        if (own) Release(std::move(own));
-        return false;
+    bool ok = true;
+    for (size_t i = 0; ok && i < total; i += kGroupSize) {
+      CaptureGroup(own.get(), err, files, i, std::min(total, i + kGroupSize),
+                   group);
+      for (const cCaptureFileResult& r : group) {
+        if (!(ok = each(r))) break;
       }
     }
     if (own) Release(std::move(own));
-    return true;
+    return ok;
   }
 
-  // The calling thread is one of the `jobs` workers; between documents it
+  // The calling thread is one of the `jobs` workers; between groups it
   // hands on, in input order, whatever is done. Each thread keeps one
-  // profile and template for the whole run.
-  RunState state(4 * jobs);
-  const size_t total = files.size();
+  // profile and template for the whole run, and at most two groups a
+  // thread wait to be handed on.
+  RunState state(2 * kGroupSize * jobs, total);
+  // Takes the next group, captures it without the lock and stores it.
+  // REQUIRES: state.mu held through `lock`, state.CanTake().
+  const auto take = [&](std::unique_lock<std::mutex>& lock, Models* models,
+                        const std::string& load_err,
+                        std::vector<cCaptureFileResult>& results) {
+    const size_t begin = state.next_take;
+    const size_t end = state.GroupEnd();
+    state.next_take = end;
+    lock.unlock();
+    CaptureGroup(models, load_err, files, begin, end, results);
+    lock.lock();
+    for (cCaptureFileResult& r : results) state.Store(std::move(r));
+  };
   auto work = [&] {
     std::string load_err;
     std::unique_ptr<Models> models = Acquire(load_err);
+    std::vector<cCaptureFileResult> results;
     std::unique_lock<std::mutex> lock(state.mu);
     for (;;) {
-      while (!state.stop && state.next_take < total && !state.CanTake(total)) {
+      while (!state.stop && state.next_take < total && !state.CanTake()) {
         ++state.workers_waiting;
         state.room.wait(lock);
         --state.workers_waiting;
       }
-      if (!state.CanTake(total)) break;
-      const size_t i = state.next_take++;
-      lock.unlock();
-      cCaptureFileResult r = capture(models.get(), load_err, i);
-      lock.lock();
-      state.Store(std::move(r));
+      if (!state.CanTake()) break;
+      take(lock, models.get(), load_err, results);
     }
     lock.unlock();
     if (models) Release(std::move(models));
@@ -615,12 +639,8 @@ bool cCaptureRun::Run(
       ok = each(r);
       lock.lock();
       if (!ok) break;
-    } else if (state.CanTake(total)) {
-      const size_t i = state.next_take++;
-      lock.unlock();
-      cCaptureFileResult r = capture(own.get(), err, i);
-      lock.lock();
-      state.Store(std::move(r));
+    } else if (state.CanTake()) {
+      take(lock, own.get(), err, group);
     } else {
       state.caller_waiting = true;
       state.emitted.wait(lock, [&] { return state.ready[slot]; });
