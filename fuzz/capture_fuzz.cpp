@@ -219,22 +219,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const pelinor::ScopedSettingsSnapshot scope(&snapshot);
     std::string log;
     size_t i = 0;
-    for (const auto& f : doc->Fields) {
-      if (f->Status == 0 && (!preset[i] || options.Recheck)) {
-        const std::string stored = f->value;
-        pelinor::fuzz::Check(f->Validate(log) && f->value == stored,
-                             "an accepted field does not validate as stored");
+    const auto check_accepted = [&](const auto& values) {
+      for (const auto& v : values) {
+        if (v->Status == 0 && (!preset[i] || options.Recheck)) {
+          const std::string stored = v->value;
+          pelinor::fuzz::Check(v->Validate(log) && v->value == stored,
+                               "an accepted value does not validate as stored");
+        }
+        ++i;
       }
-      ++i;
-    }
-    for (const auto& cell : row->colLineItemData) {
-      if (cell->Status == 0 && (!preset[i] || options.Recheck)) {
-        const std::string stored = cell->value;
-        pelinor::fuzz::Check(cell->Validate(log) && cell->value == stored,
-                             "an accepted cell does not validate as stored");
-      }
-      ++i;
-    }
+    };
+    check_accepted(doc->Fields);
+    check_accepted(row->colLineItemData);
   }
 
   std::string err;
