@@ -129,8 +129,9 @@ struct LoadedEngine {
   std::unique_ptr<cPatternEngine> engine;
   bool loaded = false;
   // The matcher of a loaded pattern with one way through it (a fixed
-  // shape), which decides a plain whole-text check by itself.
-  std::shared_ptr<const internal::SpecProgram> fixed;
+  // shape) or a few (listed shapes, as alternatives give), which decides
+  // a plain whole-text check by itself.
+  std::shared_ptr<const internal::SpecProgram> shapes;
 };
 struct EngineCache {
   uint64_t snapshot_id = 0;
@@ -159,10 +160,14 @@ LoadedEngine& CachedEngine(const cSettingsSnapshot& snapshot,
   }
   std::string load_error;
   e.engine->LoadSBSExpression(strPatternSpec, load_error, e.loaded);
-  if (e.loaded && internal::SpecProgram::CountPaths(
-                      e.engine->Elements(), e.engine->MetaRules()) == 1) {
-    e.fixed = internal::SpecProgram::Build(e.engine->Elements(),
-                                           e.engine->MetaRules());
+  if (e.loaded && internal::SpecProgram::CountPaths(e.engine->Elements(),
+                                                    e.engine->MetaRules()) <=
+                      internal::SpecProgram::kMaxListedPaths) {
+    e.shapes = internal::SpecProgram::Build(e.engine->Elements(),
+                                            e.engine->MetaRules());
+    if (e.shapes != nullptr && e.shapes->Paths() != 1 && !e.shapes->Listed()) {
+      e.shapes = nullptr;
+    }
   }
   return cache.engines.emplace(strPatternSpec, std::move(e)).first->second;
 }
@@ -194,14 +199,16 @@ bool Evaluate(cPatternEngine* engine, std::string& strText,
   }
   if (engine == nullptr) {
     LoadedEngine& cached = CachedEngine(*snapshot, strPatternSpec);
-    // A whole-text check against a fixed shape, with nothing to log,
-    // trace, coerce or remove, is decided by the matcher alone: the engine
-    // would find the same matches, and they make up the text (its value)
-    // or leave the check failed. Nothing would be logged either way.
-    if (cached.fixed != nullptr && bWhole && !logging && trace == nullptr &&
+    // A whole-text check against a fixed shape or a few listed ones, with
+    // nothing to log, trace, coerce or remove, is decided by the matcher
+    // alone: the engine would find the same matches, and they make up the
+    // text (its value) or leave the check failed. Nothing would be logged
+    // either way.
+    if (cached.shapes != nullptr && bWhole && !logging && trace == nullptr &&
         (!bCoerce || cached.engine->RegExpFormats.Count() == 0) &&
         !(bSuppressSpaces && strText.find(' ') != std::string::npos)) {
-      if (const std::optional<bool> whole = cached.fixed->WholeMatch(strText)) {
+      if (const std::optional<bool> whole =
+              cached.shapes->WholeMatch(strText)) {
         if (!*whole) {
           strErrMsg = kPatternValidationError;
           return false;

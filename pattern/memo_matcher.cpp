@@ -262,7 +262,32 @@ bool SpecProgram::RunFixed(std::string_view text,
 }
 
 std::optional<bool> SpecProgram::WholeMatch(std::string_view text) const {
-  if (paths_ != 1 || text.size() > kMaxFixedText) return std::nullopt;
+  if (text.size() > kMaxFixedText) return std::nullopt;
+  if (paths_ != 1) {
+    if (!Listed()) return std::nullopt;
+    // Run() takes, at the leftmost place where one fits, the first listed
+    // shape that fits there. The matches make up the text when each starts
+    // where the one before ended: a shape fits at each such place, and it
+    // is not empty (an empty match moves on by one and leaves a gap).
+    if (text.empty()) return false;
+    size_t pos = 0;
+    while (pos < text.size()) {
+      size_t from = 0;
+      size_t length = 0;
+      bool found = false;
+      for (const uint32_t to : listed_ends_) {
+        length = to - from;
+        if (pos + length <= text.size() && FitsAt(text, pos, from, to)) {
+          found = true;
+          break;
+        }
+        from = to;
+      }
+      if (!found || length == 0) return false;
+      pos += length;
+    }
+    return true;
+  }
   // Matches of one length make up the text when they follow each other
   // from its start: any place that does not match leaves a gap. Empty
   // matches make up nothing.

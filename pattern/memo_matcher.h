@@ -90,10 +90,10 @@ class SpecProgram {
 
   // WholeMatch()
   //
-  // For a program with one way through it (Paths() 1): whether the
-  // matches Run() gives for `text` make up all of it, decided without
-  // listing them. nullopt for other programs and for texts Run() leaves to
-  // the regular expression.
+  // For a program with one way through it (Paths() 1) or a few listed
+  // ones (Listed()): whether the matches Run() gives for `text` make up
+  // all of it, decided without listing them. nullopt for other programs
+  // and for texts Run() leaves to the regular expression.
   std::optional<bool> WholeMatch(std::string_view text) const;
 
   // CountPaths()

@@ -1,5 +1,5 @@
-// The quick whole-text check of fixed-shape patterns against the general
-// evaluation and the regular expression.
+// The quick whole-text check of fixed-shape and listed-shape patterns
+// against the general evaluation and the regular expression.
 
 #include <gtest/gtest.h>
 
@@ -76,7 +76,16 @@ TEST(QuickWholeMatch, GivesTheEvaluationsOutcome) {
       {"L|0", "A1", false, true, "A1", ""},
       {"", "", false, false, "unset", kPatternValidationError},
       {"", "x", false, false, "unset", kPatternValidationError},
-      {"(0)", "1", false, true, "1", ""},  // not a fixed shape
+      // Listed shapes: alternatives and optional parts.
+      {"(0)", "1", false, true, "1", ""},
+      {"PO000000|PO-000000", "PO-004521", false, true, "PO-004521", ""},
+      {"PO000000|PO-000000", "P0-004521", false, false, "unset",
+       kPatternValidationError},
+      {"PO000000|PO-000000", "PO123456PO-654321", false, true,
+       "PO123456PO-654321", ""},
+      {"GB000000000(000)", "GB123456789012", false, true, "GB123456789012", ""},
+      {"GB000000000(000)", "GB1234567890", false, false, "unset",
+       kPatternValidationError},
       // An illegal specification is matched with an empty expression.
       {"0(", "1", false, false, "unset", kPatternValidationError},
   };
@@ -114,8 +123,8 @@ std::vector<std::string> GeneratedSpecs(std::mt19937& rng) {
   return specs;
 }
 
-// Texts near what the pattern specification accepts: its own placeholders turned
-// into characters they accept or do not, repeated, cut, spaced.
+// Texts near what the pattern specification accepts: its own placeholders
+// turned into characters they accept or do not, repeated, cut, spaced.
 std::vector<std::string> GeneratedTexts(std::mt19937& rng,
                                         const std::string& spec) {
   const std::string alphabet = "0123456789ABZabz .-\nO";
@@ -192,6 +201,7 @@ TEST(QuickWholeMatch, AgreesWithTheGeneralEvaluationAndTheExpression) {
   const auto snapshot = cSettingsSnapshot::Make(std::nullopt, "");
   const ScopedSettingsSnapshot scope(snapshot.get());
   size_t fixed = 0;
+  size_t listed = 0;
   size_t whole = 0;
   for (const auto& [spec, text] : cases) {
     // The evaluation, quick where it applies, and the general one.
@@ -232,15 +242,16 @@ TEST(QuickWholeMatch, AgreesWithTheGeneralEvaluationAndTheExpression) {
       covered += static_cast<size_t>(expected.Item(i).Length);
     }
     const std::optional<bool> all = program->WholeMatch(text);
-    EXPECT_EQ(all.has_value(), program->Paths() == 1);
+    EXPECT_EQ(all.has_value(), program->Paths() == 1 || program->Listed());
     if (all.has_value()) {
-      ++fixed;
+      ++(program->Paths() == 1 ? fixed : listed);
       EXPECT_EQ(*all, !text.empty() && covered == text.size());
       whole += *all;
     }
   }
-  // Fixed shapes, and texts they make up, are well represented.
+  // Fixed and listed shapes, and texts they make up, are well represented.
   EXPECT_GT(fixed, 1000u);
+  EXPECT_GT(listed, 300u);
   EXPECT_GT(whole, 300u);
 }
 
