@@ -1,15 +1,18 @@
 // Pattern specifications and the texts evaluated against them. The first
 // byte holds the evaluation flags; then come the pattern and the
-// text, separated by a NUL byte. Property: a repair trace never changes
-// the outcome, and every step lies inside the text.
+// text, separated by a NUL byte. Properties: a repair trace never changes
+// the outcome, and every step lies inside the text; an evaluation through a
+// settings snapshot gives what one on a new engine gives.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "fuzz_util.h"
 #include "pelinor/evaluate_pattern.h"
 #include "pelinor/pattern_engine.h"
 #include "pelinor/repair_trace.h"
+#include "pelinor/settings_snapshot.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
@@ -50,5 +53,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             static_cast<size_t>(step.Position) <= parts[1].size(),
         "a repair step outside the text");
   }
+
+  // Through a snapshot (a cached engine, and the matcher alone for a plain
+  // whole-text check) the evaluation gives what a new engine gives.
+  static const auto snapshot =
+      pelinor::cSettingsSnapshot::Make(std::nullopt, "");
+  const pelinor::ScopedSettingsSnapshot scope(snapshot.get());
+  std::string quick_text = parts[1], quick_output = "unset", quick_err;
+  const bool quick_ok = pelinor::EvaluatePattern(
+      quick_text, spec, flags & 1, flags & 2, flags & 4, flags & 8,
+      quick_output, quick_err, "", *snapshot);
+  pelinor::cPatternEngine fresh;
+  std::string fresh_text = parts[1], fresh_output = "unset", fresh_err;
+  const bool fresh_ok = pelinor::EvaluatePatternWith(
+      fresh, fresh_text, spec, flags & 1, flags & 2, flags & 4, flags & 8,
+      fresh_output, fresh_err, "");
+  pelinor::fuzz::Check(quick_ok == fresh_ok && quick_output == fresh_output &&
+                           quick_err == fresh_err && quick_text == fresh_text,
+                       "an evaluation through a snapshot differed");
   return 0;
 }
