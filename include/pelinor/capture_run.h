@@ -9,9 +9,11 @@
 // after another or on several threads, reporting in input order.
 //
 // Re-running is safe: a value whose status is already 0 is left as it is
-// unless `Recheck` is set, and a date that already reads as a date in the
-// locale's order is never read again in another order, so capturing a
-// captured document writes the same bytes.
+// unless `Recheck` is set, a date that already reads as a date in the
+// locale's order is never read again in another order, and a value under
+// review that still passes stays under review, so capturing a captured
+// document gives the same bytes; a file that already holds them is not
+// replaced at all.
 //
 // Thread safety: CaptureDocument() may run on several threads at once for
 // separate documents; a profile and template are only read, but they are
@@ -179,7 +181,8 @@ class cCaptureRun {
   // CaptureFile()
   //
   // Reads `file`, captures it with a private copy of the profile and
-  // template and writes OutputPath(file) through a temporary file.
+  // template and writes OutputPath(file) through a temporary file, unless
+  // that file already holds exactly these bytes (`Unchanged`).
   cCaptureFileResult CaptureFile(const std::string& file) const;
 
   // Run()
