@@ -1,5 +1,6 @@
 #include "test_util.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -39,6 +40,15 @@ std::string ReadFile(const std::string& path) {
 
 std::string DataPath(std::string_view name) {
   return std::string(PELINOR_SOURCE_DIR) + "/tests/data/" + std::string(name);
+}
+
+std::vector<std::string> FileNames(const std::string& dir) {
+  std::vector<std::string> names;
+  for (const auto& e : std::filesystem::directory_iterator(dir)) {
+    names.push_back(e.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 ScopedEnv::ScopedEnv(const char* name, const std::string& value) : name_(name) {

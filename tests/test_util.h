@@ -9,6 +9,7 @@
 #include <csignal>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace pelinor::testing {
 
@@ -38,6 +39,10 @@ std::string ReadFile(const std::string& path);
 
 // The path of a file under tests/data/ in the source tree.
 std::string DataPath(std::string_view name);
+
+// The names of the entries of directory `dir`, sorted: what a test checks
+// to see that no temporary or stray file was left there.
+std::vector<std::string> FileNames(const std::string& dir);
 
 // Sets an environment variable for the life of the object and restores
 // its previous value (or absence) afterwards.

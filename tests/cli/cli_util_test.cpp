@@ -181,11 +181,8 @@ TEST(CliSignals, RemoveTemporaryFilesOfWritesInFlight) {
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), sig);
-    std::vector<std::string> names;
-    for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
-      names.push_back(e.path().filename().string());
-    }
-    EXPECT_EQ(names, std::vector<std::string>{"out.txt"});
+    EXPECT_EQ(testing::FileNames(dir.path()),
+              std::vector<std::string>{"out.txt"});
     EXPECT_EQ(testing::ReadFile(target), "old\r\n");
   }
 }

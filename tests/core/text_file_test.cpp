@@ -17,6 +17,7 @@
 namespace pelinor {
 namespace {
 
+using testing::FileNames;
 using testing::ReadFile;
 using testing::TempDir;
 using testing::WriteFile;
@@ -371,12 +372,7 @@ TEST(TextWriter, NeverExposesAHalfWrittenFile) {
     // Destroyed without Commit(): the target stays and the temporary goes.
   }
   EXPECT_EQ(ReadFile(path), "old\r\n");
-  size_t entries = 0;
-  for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
-    (void)e;
-    ++entries;
-  }
-  EXPECT_EQ(entries, 1u);
+  EXPECT_EQ(FileNames(dir.path()), std::vector<std::string>{"target.txt"});
 
   TextWriter w;
   EXPECT_FALSE(w.Create(dir.File("no/such/dir/file.txt")));
@@ -435,12 +431,7 @@ TEST(TextWriter, LeavesATargetThatHoldsTheSameBytes) {
     if (had) {
       EXPECT_EQ(after.st_ino == before.st_ino, c.unchanged);
     }
-    size_t entries = 0;
-    for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
-      (void)e;
-      ++entries;
-    }
-    EXPECT_EQ(entries, 1u) << "a temporary file was left";
+    EXPECT_EQ(FileNames(dir.path()), std::vector<std::string>{"t.txt"});
   }
 }
 
@@ -523,11 +514,7 @@ TEST(TextWriter, RemovesTemporaryFilesOfWritesInFlight) {
   ASSERT_TRUE(b.Create(dir.File("b.txt")));
   a.WriteLine(std::string(1 << 17, 'x'));
   RemoveTemporaryFiles();
-  std::vector<std::string> names;
-  for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
-    names.push_back(e.path().filename().string());
-  }
-  EXPECT_EQ(names, std::vector<std::string>{"a.txt"});
+  EXPECT_EQ(FileNames(dir.path()), std::vector<std::string>{"a.txt"});
   EXPECT_EQ(ReadFile(dir.File("a.txt")), "kept\r\n");
   // A finished write is no longer listed: its file stays.
   TextWriter c;

@@ -295,12 +295,7 @@ TEST(ExtractCliTest, FailuresLeaveNoTagFile) {
     }
   }
   // Nothing but the files the test made.
-  size_t n = 0;
-  for (const auto& e : std::filesystem::directory_iterator(dir.path())) {
-    (void)e;
-    ++n;
-  }
-  EXPECT_EQ(n, 3u);
+  EXPECT_EQ(testing::FileNames(dir.path()).size(), 3u);
 }
 
 }  // namespace
