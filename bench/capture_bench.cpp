@@ -19,7 +19,8 @@
 // ("sys_us"), for the capture and the floor. On disk the file system
 // serialises file creation in one folder, so the floor itself barely
 // gains from a second thread; in memory it does, which shows how far the
-// capture's own work scales.
+// capture's own work scales. The label names the allocator the benchmark
+// program was linked with (the pelinor program has the same).
 //
 // BM_NumericDateFloor parses a numeric date and builds its stored text by
 // hand; BM_SnapshotFormatDate/0 is cFormat::FormatDate() reading the locale
@@ -302,7 +303,7 @@ void BM_CaptureBatch(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * kBatchSize);
   state.SetLabel(std::string(StorageName(storage)) + ", " +
-                 std::to_string(jobs) + " jobs");
+                 std::to_string(jobs) + " jobs, " + PELINOR_BENCH_MALLOC);
 }
 BENCHMARK(BM_CaptureBatch)
     ->Args({kDisk, 1})

@@ -5,6 +5,9 @@ set -euo pipefail
 packages=(cmake ninja-build g++ clang pkg-config libpcre2-dev libcli11-dev
           nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev
           libclang-rt-14-dev llvm-14 ccache help2man)
+# The programs' allocator (the runtime package: its -dev pulls in a
+# libunwind whose unwind.h shadows the compilers' own).
+packages+=(libtcmalloc-minimal4)
 # The Python module, its tests and the Python benchmark's comparison parsers.
 packages+=(pybind11-dev python3-dev python3-pytest python3-setuptools
            python3-wheel python3-pip python3-dateparser python3-babel)
