@@ -433,14 +433,19 @@ void AddCaptureCommand(CLI::App& app) {
       ->type_name("CLASS");
   capture->add_flag("--fail-on-invalid", opts->fail_on_invalid,
                     "exit with status 1 when any value is not valid");
-  capture->add_flag("--json-lines", opts->json_lines,
-                    "print one JSON object per document and line, as each "
-                    "is done");
-  capture->add_option("--out-dir", opts->out_dir,
-                      "write the captured tag files into this directory");
-  capture->add_flag("--in-place", opts->in_place,
-                    "rewrite each tag file in place");
-  capture->add_flag("--json", opts->json, "print JSON instead of tables");
+  auto* json_lines = capture->add_flag(
+      "--json-lines", opts->json_lines,
+      "print one JSON object per document and line, as each is done");
+  auto* out_dir =
+      capture->add_option("--out-dir", opts->out_dir,
+                          "write the captured tag files into this directory");
+  auto* in_place = capture->add_flag("--in-place", opts->in_place,
+                                     "rewrite each tag file in place");
+  auto* json =
+      capture->add_flag("--json", opts->json, "print JSON instead of tables");
+  // Two places to write to, or two output forms, are a usage error.
+  out_dir->excludes(in_place);
+  json->excludes(json_lines);
   capture->add_option("DOC", opts->inputs,
                       "document tag files, or folders searched at any depth "
                       "for *.tag files");
