@@ -522,8 +522,20 @@ void ItemValue::AppendTo(std::string& out) const {
 TextWriter::~TextWriter() { Abandon(); }
 
 bool TextWriter::Create(const std::string& path) {
+  if (!Start(path)) return false;
+  if (MakeTemp()) return true;
+  started_ = false;
+  return false;
+}
+
+bool TextWriter::CreateWhenNeeded(const std::string& path) {
+  return Start(path);
+}
+
+bool TextWriter::Start(const std::string& path) {
   Abandon();
   error_ = 0;
+  temp_failed_ = false;
   target_ = ResolveLinks(path);
   struct stat st;
   const bool exists = ::stat(target_.c_str(), &st) == 0;
@@ -531,12 +543,22 @@ bool TextWriter::Create(const std::string& path) {
     Fail(EISDIR);
     return false;
   }
-  size_t slash = target_.find_last_of('/');
-  std::string dir =
-      slash == std::string::npos ? "" : target_.substr(0, slash + 1);
-  std::string base =
-      slash == std::string::npos ? target_ : target_.substr(slash + 1);
-  temp_ = dir + "." + base + ".tmp-XXXXXX";
+  // mkstemp creates the file private; it gets the target's permissions,
+  // or the usual ones for a new file.
+  mode_ = exists ? (st.st_mode & 07777) : 0644;
+  target_size_ = exists && S_ISREG(st.st_mode) ? st.st_size : -1;
+  flushed_ = 0;
+  used_ = 0;
+  started_ = true;
+  ok_ = true;
+  return true;
+}
+
+bool TextWriter::MakeTemp() {
+  const size_t slash = target_.find_last_of('/');
+  const size_t base = slash == std::string::npos ? 0 : slash + 1;
+  temp_.assign(target_, 0, base);
+  temp_.append(".").append(target_, base).append(".tmp-XXXXXX");
   // The slot is claimed first so that the file is listed a few
   // instructions after it exists.
   slot_ = ClaimTempSlot(temp_.size());
@@ -546,18 +568,12 @@ bool TextWriter::Create(const std::string& path) {
     UnlistTempFile(slot_);
     slot_ = -1;
     temp_.clear();
+    temp_failed_ = true;
     Fail(error);
     return false;
   }
   ListTempFile(slot_, temp_);
-  // mkstemp creates the file private; give it the target's permissions, or
-  // the usual ones for a new file.
-  mode_t mode = exists ? (st.st_mode & 07777) : 0644;
-  ::fchmod(fd_, mode);
-  target_size_ = exists && S_ISREG(st.st_mode) ? st.st_size : -1;
-  flushed_ = 0;
-  ok_ = true;
-  used_ = 0;
+  ::fchmod(fd_, static_cast<mode_t>(mode_));
   return true;
 }
 
@@ -568,6 +584,7 @@ void TextWriter::Fail(int error) {
 }
 
 void TextWriter::Flush() {
+  if (fd_ < 0 && started_ && ok_ && used_ != 0) MakeTemp();
   size_t done = 0;
   while (fd_ >= 0 && ok_ && done < used_) {
     ssize_t n = ::write(fd_, buffer_.get() + done, used_ - done);
@@ -597,7 +614,7 @@ void TextWriter::Grow(size_t n) {
 }
 
 void TextWriter::Write(std::string_view text) {
-  if (fd_ < 0) {
+  if (!started_) {
     Fail(EBADF);
     return;
   }
@@ -645,7 +662,7 @@ inline char* CopyPart(char* p, const char* s, size_t n) {
 }  // namespace
 
 void TextWriter::WriteLineParts(std::initializer_list<LinePart> parts) {
-  if (fd_ < 0) {
+  if (!started_) {
     Fail(EBADF);
     return;
   }
@@ -687,10 +704,14 @@ void TextWriter::WriteItems(std::initializer_list<ItemValue> items) {
 }
 
 bool TextWriter::Commit() {
-  if (fd_ < 0) return false;
+  if (!started_) return false;
+  // A writer created when needed has no temporary file yet when its bytes
+  // all stayed in the buffer, or there are none.
+  if (fd_ < 0 && ok_) MakeTemp();
+  started_ = false;
   Flush();
   ReleaseBuffer();
-  if (::close(fd_) != 0) Fail(errno);
+  if (fd_ >= 0 && ::close(fd_) != 0) Fail(errno);
   fd_ = -1;
   if (ok_ && ::rename(temp_.c_str(), target_.c_str()) == 0) {
     UnlistTempFile(slot_);
@@ -769,12 +790,9 @@ void TextWriter::RemoveTemp() {
 
 bool TextWriter::CommitIfChanged(bool& unchanged) {
   unchanged = false;
-  if (fd_ < 0) return false;
+  if (!started_) return false;
   if (ok_ && TargetHoldsTheSame()) {
-    ReleaseBuffer();
-    ::close(fd_);
-    fd_ = -1;
-    RemoveTemp();
+    Abandon();
     unchanged = true;
     return true;
   }
@@ -788,6 +806,7 @@ void TextWriter::Abandon() {
   }
   RemoveTemp();
   ReleaseBuffer();
+  started_ = false;
   ok_ = false;
 }
 

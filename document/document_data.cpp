@@ -72,7 +72,10 @@ bool cDocumentData::Write(const std::string& FileName, bool* unchanged,
   int32_t columns = 0;
   if (!SameCellCounts(LineData, columns, strErrMsg)) return false;
   TextWriter out;
-  if (!out.Create(FileName)) {
+  // A file that may hold these bytes already gets its temporary file only
+  // when it is to be replaced.
+  if (!(unchanged != nullptr ? out.CreateWhenNeeded(FileName)
+                             : out.Create(FileName))) {
     strErrMsg = kDocTagsCreateError;
     return false;
   }
@@ -80,7 +83,9 @@ bool cDocumentData::Write(const std::string& FileName, bool* unchanged,
   // abandons the new one and leaves the target as it was.
   auto fail = [&out, &strErrMsg]() {
     out.Abandon();
-    if (strErrMsg.empty()) strErrMsg = kDocTagsWriteError;
+    if (strErrMsg.empty()) {
+      strErrMsg = out.temp_failed() ? kDocTagsCreateError : kDocTagsWriteError;
+    }
     return false;
   };
   out.WriteLine(kVersionLine);

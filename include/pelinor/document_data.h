@@ -77,7 +77,8 @@ class cDocumentData : public std::enable_shared_from_this<cDocumentData> {
   // WriteSettingsIfChanged()
   //
   // As WriteSettings(), except that a file at `FileName` that already holds
-  // exactly these bytes is left untouched; `bUnchanged` then says so.
+  // exactly these bytes is left untouched, and no temporary file is made
+  // beside it; `bUnchanged` then says so.
   bool WriteSettingsIfChanged(const std::string& FileName, bool& bUnchanged,
                               std::string& strErrMsg) const;
 

@@ -241,7 +241,16 @@ class TextWriter {
   // lies in the same directory. False when it cannot be created.
   bool Create(const std::string& path);
 
-  bool IsOpen() const { return fd_ >= 0; }
+  // CreateWhenNeeded()
+  //
+  // As Create(), but the temporary file is made only when the buffered
+  // bytes are first flushed, or at the commit: a CommitIfChanged() that
+  // finds the target holding the bytes already then makes and removes no
+  // file at all. A failure to make the temporary file shows there, with
+  // temp_failed() true.
+  bool CreateWhenNeeded(const std::string& path);
+
+  bool IsOpen() const { return started_; }
 
   // WriteLine()
   //
@@ -294,7 +303,15 @@ class TextWriter {
   // The system error number of the first failure (0 when none).
   int error() const { return error_; }
 
+  // temp_failed()
+  //
+  // True when the temporary file could not be made.
+  bool temp_failed() const { return temp_failed_; }
+
  private:
+  // Create() without the temporary file; MakeTemp() makes it.
+  bool Start(const std::string& path);
+  bool MakeTemp();
   void Flush();
   void Fail(int error);
 
@@ -314,7 +331,12 @@ class TextWriter {
   void RemoveTemp();
 
   int fd_ = -1;
+  // Between a successful Create() or CreateWhenNeeded() and the end of the
+  // commit or Abandon(); the temporary file may not exist yet.
+  bool started_ = false;
   bool ok_ = false;
+  bool temp_failed_ = false;
+  uint32_t mode_ = 0644;  // the temporary file's permissions
   // The target's size when Create() found it a regular file, else -1; and
   // the bytes flushed to the temporary file so far.
   int64_t target_size_ = -1;

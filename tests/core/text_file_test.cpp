@@ -405,48 +405,97 @@ TEST(TextWriter, LeavesATargetThatHoldsTheSameBytes) {
       {"large, other end", big, other_end, false},
       {"large, other start", big, other_start, false},
   };
+  // Each case with the temporary file made at once and when needed.
+  for (const bool when_needed : {false, true})
+    for (const Case& c : cases) {
+      SCOPED_TRACE(std::string(c.name) + (when_needed ? ", when needed" : ""));
+      TempDir dir;
+      const std::string path = dir.File("t.txt");
+      const bool had = c.old_text != "\x01";
+      if (had) WriteFile(path, c.old_text);
+      struct stat before {};
+      if (had) {
+        ASSERT_EQ(stat(path.c_str(), &before), 0);
+      }
+      TextWriter w;
+      ASSERT_TRUE(when_needed ? w.CreateWhenNeeded(path) : w.Create(path));
+      // In pieces, so that a large text is partly on disk and partly still
+      // buffered when committed.
+      for (size_t at = 0; at < c.new_text.size(); at += 150000) {
+        w.Write(std::string_view(c.new_text).substr(at, 150000));
+      }
+      bool unchanged = !c.unchanged;
+      ASSERT_TRUE(w.CommitIfChanged(unchanged));
+      EXPECT_EQ(unchanged, c.unchanged);
+      EXPECT_EQ(ReadFile(path), c.new_text);
+      struct stat after {};
+      ASSERT_EQ(stat(path.c_str(), &after), 0);
+      if (had) {
+        EXPECT_EQ(after.st_ino == before.st_ino, c.unchanged);
+      }
+      EXPECT_EQ(FileNames(dir.path()), std::vector<std::string>{"t.txt"});
+    }
+}
+
+// A writer created when needed makes no temporary file for a target that
+// holds its bytes already. Shown with a name whose temporary name is too
+// long for the file system: a writer that needs one fails, as Create()
+// does at once, and leaves the target as it was.
+TEST(TextWriter, MakesTheTemporaryFileOnlyWhenNeeded) {
+  TempDir dir;
+  const std::string path = dir.File(std::string(250, 'n'));
+  WriteFile(path, "a\r\n");
+  TextWriter w;
+  EXPECT_FALSE(w.Create(path));
+  EXPECT_TRUE(w.temp_failed());
+
+  struct Case {
+    const char* name;
+    const char* text;
+    bool ok;
+  } cases[] = {{"same bytes", "a", true}, {"other bytes", "b", false}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    TempDir dir;
-    const std::string path = dir.File("t.txt");
-    const bool had = c.old_text != "\x01";
-    if (had) WriteFile(path, c.old_text);
-    struct stat before {};
-    if (had) {
-      ASSERT_EQ(stat(path.c_str(), &before), 0);
-    }
-    TextWriter w;
-    ASSERT_TRUE(w.Create(path));
-    // In pieces, so that a large text is partly on disk and partly still
-    // buffered when committed.
-    for (size_t at = 0; at < c.new_text.size(); at += 150000) {
-      w.Write(std::string_view(c.new_text).substr(at, 150000));
-    }
-    bool unchanged = !c.unchanged;
-    ASSERT_TRUE(w.CommitIfChanged(unchanged));
-    EXPECT_EQ(unchanged, c.unchanged);
-    EXPECT_EQ(ReadFile(path), c.new_text);
-    struct stat after {};
-    ASSERT_EQ(stat(path.c_str(), &after), 0);
-    if (had) {
-      EXPECT_EQ(after.st_ino == before.st_ino, c.unchanged);
-    }
-    EXPECT_EQ(FileNames(dir.path()), std::vector<std::string>{"t.txt"});
+    ASSERT_TRUE(w.CreateWhenNeeded(path));
+    EXPECT_FALSE(w.temp_failed());
+    w.WriteLine(c.text);
+    bool unchanged = false;
+    EXPECT_EQ(w.CommitIfChanged(unchanged), c.ok);
+    EXPECT_EQ(unchanged, c.ok);
+    EXPECT_EQ(w.temp_failed(), !c.ok);
+    EXPECT_EQ(w.error(), c.ok ? 0 : ENAMETOOLONG);
+    EXPECT_EQ(ReadFile(path), "a\r\n");
+    EXPECT_EQ(FileNames(dir.path()),
+              std::vector<std::string>{path.substr(path.rfind('/') + 1)});
   }
 }
 
+// Permissions and empty files, with the temporary file made at once and
+// when needed (at the commit, for these short texts).
 TEST(TextWriter, KeepsTheTargetsPermissions) {
-  TempDir dir;
-  std::string path = dir.File("perm.txt");
-  WriteFile(path, "x");
-  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
-  TextWriter w;
-  ASSERT_TRUE(w.Create(path));
-  w.WriteLine("y");
-  ASSERT_TRUE(w.Commit());
-  struct stat st;
-  ASSERT_EQ(stat(path.c_str(), &st), 0);
-  EXPECT_EQ(st.st_mode & 0777, 0640u);
+  for (const bool when_needed : {false, true}) {
+    SCOPED_TRACE(when_needed ? "when needed" : "at once");
+    TempDir dir;
+    std::string path = dir.File("perm.txt");
+    WriteFile(path, "x");
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    TextWriter w;
+    ASSERT_TRUE(when_needed ? w.CreateWhenNeeded(path) : w.Create(path));
+    w.WriteLine("y");
+    ASSERT_TRUE(w.Commit());
+    struct stat st;
+    ASSERT_EQ(stat(path.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0640u);
+
+    const std::string empty = dir.File("empty.txt");
+    ASSERT_TRUE(when_needed ? w.CreateWhenNeeded(empty) : w.Create(empty));
+    ASSERT_TRUE(w.Commit());
+    ASSERT_EQ(stat(empty.c_str(), &st), 0);
+    EXPECT_EQ(st.st_size, 0);
+    EXPECT_EQ(st.st_mode & 0777, 0644u);
+    EXPECT_EQ(FileNames(dir.path()),
+              (std::vector<std::string>{"empty.txt", "perm.txt"}));
+  }
 }
 
 TEST(TextWriter, ReplacesTheTargetOfASymbolicLink) {
